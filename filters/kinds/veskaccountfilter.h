@@ -1,0 +1,23 @@
+#pragma once
+
+#include "../veskrosterfilter.h"
+
+class VESK_ROSTER_FILTER_EXPORT VeskAccountFilter : public VeskRosterFilter
+{
+public:
+    VeskAccountFilter();
+    ~VeskAccountFilter() override;
+
+    RosterFilterType getType() const override;
+    QString id() const override;
+    QString name() const override;
+    QString display() const override;
+    bool filter(const VeskBuddy &buddy) const override;
+    QList<VeskField> getConfiguration() const override;
+    void setConfiguration(const QList<VeskField> &fields) override;
+
+private:
+    QString accountId;
+    bool positive;
+    QString conditionLabel;
+};

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QtCore/qglobal.h>
+
+#if defined(VESK_ROSTER_FILTER_STATIC)
+#define VESK_ROSTER_FILTER_EXPORT
+#elif defined(VESK_ROSTER_FILTER_BUILDING)
+#define VESK_ROSTER_FILTER_EXPORT Q_DECL_EXPORT
+#else
+#define VESK_ROSTER_FILTER_EXPORT Q_DECL_IMPORT
+#endif

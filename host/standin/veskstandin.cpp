@@ -1,0 +1,209 @@
+#include "veskstandin.h"
+
+#include "../veskaccount.h"
+#include "../veskhost_p.h"
+#include "../veskprotocol.h"
+#include "../vesksettingsmanager.h"
+
+VeskPresence VeskStandInAccess::makePresence(
+    const QString &id, const QString &display, const QString &description, int flag, int priority)
+{
+    VeskPresence presence;
+    presence.id = id;
+    presence.display = display;
+    presence.description = description;
+    presence.flag = flag;
+    presence.priority = priority;
+    return presence;
+}
+
+VeskSubscriptionType VeskStandInAccess::makeSubscription(int priority)
+{
+    VeskSubscriptionType subscription;
+    subscription.priority = priority;
+    return subscription;
+}
+
+VeskArg VeskStandInAccess::makeArg(int type, const QVariant &value)
+{
+    VeskArg arg;
+    arg.type = type;
+    arg.value = value;
+    return arg;
+}
+
+VeskAccountConnection *VeskStandInAccess::newAccount(const QString &uid, const QString &protocol)
+{
+    return new VeskAccountConnection(uid, protocol);
+}
+
+void VeskStandInAccess::deleteAccount(VeskAccountConnection *account)
+{
+    delete account;
+}
+
+VeskProtocol *VeskStandInAccess::newProtocol(const QString &name, const QList<VeskPresence> &p)
+{
+    return new VeskProtocol(name, p);
+}
+
+void VeskStandInAccess::deleteProtocol(VeskProtocol *protocol)
+{
+    delete protocol;
+}
+
+QList<VeskAccountConnection *> &VeskStandInAccess::accounts()
+{
+    return VeskAccountManager::getInstance()->accounts;
+}
+
+QList<VeskProtocol *> &VeskStandInAccess::protocols()
+{
+    return VeskPluginManager::getInstance()->protocols;
+}
+
+VeskBuddy VeskStandInAccess::handle(const VeskRosterEntry *entry)
+{
+    VeskBuddy buddy;
+    buddy.entry = entry;
+    return buddy;
+}
+
+const VeskRosterEntry *VeskStandInAccess::entryOf(const VeskBuddy &buddy)
+{
+    return buddy.entry;
+}
+
+VeskRosterStore &VeskRosterStore::self()
+{
+    static VeskRosterStore store;
+    return store;
+}
+
+namespace VeskStandIn {
+
+namespace {
+    VeskBuddy addEntryData(std::unique_ptr<VeskRosterEntry> entry)
+    {
+        VeskRosterStore &store = VeskRosterStore::self();
+        store.entries.push_back(std::move(entry));
+        return VeskStandInAccess::handle(store.entries.back().get());
+    }
+
+    std::unique_ptr<VeskRosterEntry> contactEntry(int type, const ContactInfo &info)
+    {
+        auto entry = std::make_unique<VeskRosterEntry>();
+        entry->type = type;
+        entry->display = info.display;
+        entry->group = VeskStandInAccess::entryOf(info.group);
+        entry->account = info.account;
+        entry->presence = info.presence;
+        return entry;
+    }
+} // namespace
+
+VeskPresence makePresence(
+    const QString &id, const QString &display, const QString &description, int flag, int priority)
+{
+    return VeskStandInAccess::makePresence(id, display, description, flag, priority);
+}
+
+VeskSubscriptionType makeSubscription(int priority)
+{
+    return VeskStandInAccess::makeSubscription(priority);
+}
+
+VeskArg makeIntArg(int value)
+{
+    return VeskStandInAccess::makeArg(VeskArg::TypeInt, value);
+}
+
+VeskArg makeArg(int type, const QVariant &value)
+{
+    return VeskStandInAccess::makeArg(type, value);
+}
+
+VeskProtocol *addProtocol(const QString &name, const QList<VeskPresence> &defaultPresences)
+{
+    VeskProtocol *protocol = VeskStandInAccess::newProtocol(name, defaultPresences);
+    VeskStandInAccess::protocols().append(protocol);
+    return protocol;
+}
+
+VeskAccountConnection *addAccount(const QString &uid, const QString &protocolName)
+{
+    VeskAccountConnection *account = VeskStandInAccess::newAccount(uid, protocolName);
+    VeskStandInAccess::accounts().append(account);
+    return account;
+}
+
+VeskBuddy addGroup(const QString &name, int pos)
+{
+    auto entry = std::make_unique<VeskRosterEntry>();
+    entry->type = VeskBuddy::TypeGroup;
+    entry->display = name;
+    entry->pos = pos;
+    VeskRosterStore::self().groupNames.append(name);
+    return addEntryData(std::move(entry));
+}
+
+VeskBuddy addContact(const ContactInfo &info)
+{
+    auto entry = contactEntry(VeskBuddy::TypeContact, info);
+    entry->subscription = makeSubscription(info.subscription);
+    entry->attributes = info.attributes;
+    return addEntryData(std::move(entry));
+}
+
+VeskBuddy addTemporary(const ContactInfo &info)
+{
+    return addEntryData(contactEntry(VeskBuddy::TypeTemporary, info));
+}
+
+VeskBuddy addEntry(int typeCode, const QString &display)
+{
+    auto entry = std::make_unique<VeskRosterEntry>();
+    entry->type = typeCode;
+    entry->display = display;
+    return addEntryData(std::move(entry));
+}
+
+void setPresence(const VeskBuddy &buddy, const VeskPresence &presence)
+{
+    if (const VeskRosterEntry *entry = VeskStandInAccess::entryOf(buddy))
+        const_cast<VeskRosterEntry *>(entry)->presence = presence;
+}
+
+QList<VeskBuddy> entries()
+{
+    QList<VeskBuddy> result;
+    for (const auto &entry : VeskRosterStore::self().entries)
+        result.append(VeskStandInAccess::handle(entry.get()));
+    return result;
+}
+
+void resetRoster()
+{
+    VeskRosterStore &store = VeskRosterStore::self();
+    store.entries.clear();
+    store.groupNames.clear();
+    for (VeskAccountConnection *account : qAsConst(VeskStandInAccess::accounts()))
+        VeskStandInAccess::deleteAccount(account);
+    VeskStandInAccess::accounts().clear();
+    for (VeskProtocol *protocol : qAsConst(VeskStandInAccess::protocols()))
+        VeskStandInAccess::deleteProtocol(protocol);
+    VeskStandInAccess::protocols().clear();
+}
+
+void setSettingsDir(const QString &dir)
+{
+    VeskSettingsManager::getInstance();
+    VeskSettingsStore::self().open(dir);
+}
+
+QString settingsFilePath()
+{
+    return VeskSettingsStore::self().filePath();
+}
+
+} // namespace VeskStandIn

@@ -1,0 +1,64 @@
+#pragma once
+
+// Construction API of the stand-in host. The demo host and the tests build
+// rosters, accounts, protocols and the settings directory with it; the filter
+// library itself never includes this header.
+
+#include "../vesk_host_export.h"
+#include "../veskarg.h"
+#include "../veskbuddy.h"
+#include "../veskpresence.h"
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QVariant>
+
+class VeskAccountConnection;
+class VeskProtocol;
+
+namespace VeskStandIn {
+
+VESK_HOST_EXPORT VeskPresence makePresence(const QString &id, const QString &display = QString(),
+    const QString &description = QString(), int flag = 0, int priority = 0);
+VESK_HOST_EXPORT VeskSubscriptionType makeSubscription(int priority);
+VESK_HOST_EXPORT VeskArg makeIntArg(int value);
+// Any type code with any value, e.g. (VeskArg::TypeString, "7").
+VESK_HOST_EXPORT VeskArg makeArg(int type, const QVariant &value);
+
+// Protocols and accounts are listed in the order of their addition.
+VESK_HOST_EXPORT VeskProtocol *addProtocol(
+    const QString &name, const QList<VeskPresence> &defaultPresences);
+VESK_HOST_EXPORT VeskAccountConnection *addAccount(const QString &uid, const QString &protocolName);
+
+struct ContactInfo
+{
+    QString display;
+    VeskBuddy group; // a default-constructed handle: no group
+    VeskAccountConnection *account = nullptr;
+    VeskPresence presence;
+    int subscription = 0;
+    QHash<QString, VeskArg> attributes;
+};
+
+// Groups are listed by VeskRoster::getGroupsNames() in the order of addition.
+VESK_HOST_EXPORT VeskBuddy addGroup(const QString &name, int pos);
+VESK_HOST_EXPORT VeskBuddy addContact(const ContactInfo &info);
+// A temporary contact has no subscription and no attributes.
+VESK_HOST_EXPORT VeskBuddy addTemporary(const ContactInfo &info);
+// An entry of any kind code (e.g. 0 or 7), with a display name and nothing else.
+VESK_HOST_EXPORT VeskBuddy addEntry(int typeCode, const QString &display);
+VESK_HOST_EXPORT void setPresence(const VeskBuddy &buddy, const VeskPresence &presence);
+// Every entry added since the last reset, in the order of addition.
+VESK_HOST_EXPORT QList<VeskBuddy> entries();
+// Forgets entries, groups, accounts and protocols; earlier handles and
+// pointers become invalid.
+VESK_HOST_EXPORT void resetRoster();
+
+// Points the settings store at a directory (created when missing) and loads
+// what an earlier store, in this process or another, wrote there.
+VESK_HOST_EXPORT void setSettingsDir(const QString &dir);
+// The file in which the store keeps its values.
+VESK_HOST_EXPORT QString settingsFilePath();
+
+} // namespace VeskStandIn

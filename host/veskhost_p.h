@@ -1,0 +1,86 @@
+#pragma once
+
+// State of the stand-in host, shared by its sources.
+
+#include "veskarg.h"
+#include "veskpresence.h"
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+class VeskAccountConnection;
+class VeskBuddy;
+class VeskProtocol;
+
+struct VeskRosterEntry
+{
+    int type = 0;
+    QString display;
+    const VeskRosterEntry *group = nullptr;
+    VeskAccountConnection *account = nullptr;
+    VeskPresence presence;
+    VeskSubscriptionType subscription;
+    QHash<QString, VeskArg> attributes;
+    int pos = 0;
+};
+
+struct VeskStandInAccess
+{
+    static VeskPresence makePresence(const QString &id, const QString &display,
+        const QString &description, int flag, int priority);
+    static VeskSubscriptionType makeSubscription(int priority);
+    static VeskArg makeArg(int type, const QVariant &value);
+    static VeskAccountConnection *newAccount(const QString &uid, const QString &protocol);
+    static void deleteAccount(VeskAccountConnection *account);
+    static VeskProtocol *newProtocol(const QString &name, const QList<VeskPresence> &p);
+    static void deleteProtocol(VeskProtocol *protocol);
+    static QList<VeskAccountConnection *> &accounts();
+    static QList<VeskProtocol *> &protocols();
+    static VeskBuddy handle(const VeskRosterEntry *entry);
+    static const VeskRosterEntry *entryOf(const VeskBuddy &buddy);
+};
+
+struct VeskRosterStore
+{
+    std::vector<std::unique_ptr<VeskRosterEntry>> entries;
+    QStringList groupNames;
+
+    static VeskRosterStore &self();
+};
+
+// One store of global settings, kept as a JSON file in the settings directory.
+class VeskSettingsStore
+{
+public:
+    static VeskSettingsStore &self();
+
+    void open(const QString &dir);
+    QString dir() const;
+    QString filePath() const;
+
+    bool contains(const QString &key) const;
+    bool isList(const QString &key) const;
+    QString text(const QString &key) const;
+    QStringList list(const QString &key) const;
+    void setText(const QString &key, const QString &value);
+    void setList(const QString &key, const QStringList &value);
+    void remove(const QString &key);
+
+private:
+    struct Value
+    {
+        bool isList = false;
+        QString text;
+        QStringList list;
+    };
+    void ensureOpen() const;
+    void load();
+    void save() const;
+
+    QString settingsDir;
+    QHash<QString, Value> values;
+};
