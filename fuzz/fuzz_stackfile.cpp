@@ -1,0 +1,211 @@
+// Feeds arbitrary bytes to a fresh filters manager as the file of one stack
+// filter, next to an intact one: start-up, evaluate every filter, write every
+// stack back, start again, and demand the same filters with the same trees.
+//
+// An input that starts with "NAME:" names the file itself (up to the first
+// newline), so the decoding of file names on disk is fuzzed as well.
+
+#include "reliabilitysupport.h"
+
+#include <standin/veskstandin.h>
+#include <veskfield.h>
+#include <veskrosterfiltersmanager.h>
+#include <veskrosterfiltersstack.h>
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <cstdlib>
+
+using namespace VeskReliability;
+
+namespace {
+
+QTemporaryDir *scratch = nullptr;
+QString settingsDir;
+QString stackDir;
+QByteArray intactFile;
+QString intactDescription;
+
+[[noreturn]] void fail(const char *what, const QStringList &before, const QStringList &after)
+{
+    std::fprintf(stderr, "fuzz_stackfile: %s\n--- before\n%s\n--- after\n%s\n", what,
+        qPrintable(before.join(QLatin1Char('\n'))), qPrintable(after.join(QLatin1Char('\n'))));
+    std::abort();
+}
+
+void resetDisk()
+{
+    QDir(settingsDir).removeRecursively();
+    QDir().mkpath(stackDir);
+}
+
+void startUp()
+{
+    VeskStandIn::setSettingsDir(settingsDir);
+    VeskRosterFiltersManager::getInstance();
+}
+
+void checkListing(const QStringList &ids, bool mustListIntact)
+{
+    if (ids.value(0) != QLatin1String("default") || ids.count(QStringLiteral("default")) != 1)
+        fail("\"default\" is not listed first and once", ids, {});
+    if (mustListIntact && !ids.contains(QStringLiteral("friends")))
+        fail("the intact filter is missing", ids, {});
+}
+
+// The name the file gets on disk: what the input asks for, as far as a file
+// name can carry it.
+QString fileNameFor(const QByteArray &requested)
+{
+    QString name = QString::fromUtf8(requested.left(200));
+    name.replace(QLatin1Char('/'), QLatin1Char('_'));
+    name.remove(QChar(0));
+    if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String(".."))
+        return QStringLiteral("fuzzed");
+    return name;
+}
+
+// Seeds: what the library itself writes for a few typical and odd stacks.
+void writeSeeds(const QString &target)
+{
+    resetDisk();
+    startUp();
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    addLargeStack(QStringLiteral("friends"), 7, 3);
+    addLargeStack(QStringLiteral("every kind"), 6, 0);
+    VeskRosterFiltersStack *empty
+        = manager->addStackFilter(QStringLiteral("empty"), VeskRosterFilter::RosterFilterOr);
+    empty->setSorter(QStringLiteral("by name"));
+    empty->setAdvancedMode(true);
+    VeskRosterFiltersStack *deep
+        = manager->addStackFilter(QStringLiteral("deep"), VeskRosterFilter::RosterFilterAnd);
+    VeskRosterFiltersStack *level = deep;
+    for (int i = 0; i < 6; ++i) {
+        auto *nested = static_cast<VeskRosterFiltersStack *>(
+            manager->createFilter(QStringLiteral("stack_filter"),
+                i % 2 ? VeskRosterFilter::RosterFilterAnd : VeskRosterFilter::RosterFilterOr));
+        VeskRosterFilter *leaf
+            = manager->createFilter(QStringLiteral("display"), VeskRosterFilter::RosterFilterLeaf);
+        if (!nested || !leaf) {
+            delete nested;
+            delete leaf;
+            break;
+        }
+        QList<VeskField> fields = leaf->getConfiguration();
+        for (VeskField &field : fields)
+            field.setText(QString::fromUtf16(u"<&\"\u0001]]>\u00e9\U0001F642"));
+        leaf->setConfiguration(fields);
+        nested->appendFilter(leaf);
+        level->appendFilter(nested);
+        level = nested;
+    }
+    const QString hostileName = QStringLiteral("../.odd/name\\");
+    addLargeStack(hostileName, 3, 1);
+    const QStringList ids = manager->getFilterNames();
+    for (const QString &id : ids) {
+        if (VeskRosterFiltersStack *stack = manager->getStackFilter(id))
+            stack->writeFilterSettings();
+    }
+    shutDown();
+    QDir().mkpath(target);
+    const QStringList files = QDir(stackDir).entryList(QDir::Files | QDir::Hidden);
+    for (const QString &file : files) {
+        const QByteArray bytes = readFile(stackDir + QLatin1Char('/') + file);
+        const bool plain = QStringList { QStringLiteral("friends"), QStringLiteral("every kind"),
+            QStringLiteral("empty"), QStringLiteral("deep") }
+                               .contains(file);
+        if (plain)
+            writeFile(target + QLatin1String("/seed-") + file, bytes);
+        else
+            writeFile(
+                target + QLatin1String("/seed-named"), "NAME:" + file.toUtf8() + '\n' + bytes);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***)
+{
+    scratch = new QTemporaryDir;
+    settingsDir = scratch->path() + QLatin1String("/settings");
+    stackDir = settingsDir + QLatin1String("/roster_filters");
+    buildSmallRoster();
+    if (qEnvironmentVariableIsSet("VESK_FUZZ_WRITE_SEEDS")) {
+        writeSeeds(qEnvironmentVariable("VESK_FUZZ_WRITE_SEEDS"));
+        std::exit(0);
+    }
+
+    resetDisk();
+    startUp();
+    addLargeStack(QStringLiteral("friends"), 7, 3)->writeFilterSettings();
+    shutDown();
+    intactFile = readFile(stackDir + QLatin1String("/friends"));
+    startUp();
+    intactDescription = describe(
+        VeskRosterFiltersManager::getInstance()->getStackFilter(QStringLiteral("friends")), false);
+    shutDown();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    QByteArray input(reinterpret_cast<const char *>(data), int(size));
+    QString fileName = QStringLiteral("fuzzed");
+    const bool namedByInput = input.startsWith("NAME:");
+    if (namedByInput) {
+        const int end = input.indexOf('\n');
+        fileName = fileNameFor(input.mid(5, end < 0 ? -1 : end - 5));
+        input = end < 0 ? QByteArray() : input.mid(end + 1);
+    }
+
+    resetDisk();
+    writeFile(stackDir + QLatin1String("/friends"), intactFile);
+    if (fileName != QLatin1String("friends"))
+        writeFile(stackDir + QLatin1Char('/') + fileName, input);
+
+    startUp();
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    QStringList firstIds = manager->getFilterNames();
+    checkListing(firstIds, fileName != QLatin1String("friends"));
+    if (fileName != QLatin1String("friends")) {
+        const QString intact = describe(manager->getStackFilter(QStringLiteral("friends")), false);
+        if (intact != intactDescription)
+            fail("a hostile file changed another filter", { intactDescription }, { intact });
+    }
+    for (const QString &id : firstIds) {
+        manager->setCurrentFilter(id);
+        VeskRosterFilter *filter = manager->getCurrentFilter();
+        answers(filter);
+        filter->display();
+        manager->filter(VeskStandIn::entries().value(0));
+    }
+    manager->setCurrentFilter(QStringLiteral("default"));
+    QStringList before = describeAll(true);
+    for (const QString &id : firstIds) {
+        if (VeskRosterFiltersStack *stack = manager->getStackFilter(id))
+            stack->writeFilterSettings();
+    }
+    shutDown();
+
+    startUp();
+    QStringList secondIds = VeskRosterFiltersManager::getInstance()->getFilterNames();
+    checkListing(secondIds, true);
+    QStringList after = describeAll(true);
+    // Files the stored order does not name are listed in no particular order.
+    for (QStringList *list : { &firstIds, &secondIds, &before, &after })
+        list->sort();
+    // A file name that is not the encoding of any identifier may legitimately
+    // be saved under another name; only plain names must come back verbatim.
+    if (!namedByInput && (before != after || firstIds != secondIds))
+        fail("written filters do not read back the same", firstIds + before, secondIds + after);
+    shutDown();
+
+    if (QDir(settingsDir).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size()
+        > 2)
+        fail("something was written outside the stack-file directory",
+            QDir(settingsDir).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+            {});
+    return 0;
+}

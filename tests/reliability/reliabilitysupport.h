@@ -1,0 +1,55 @@
+#pragma once
+
+// Shared by the reliability tests, their helper programs and the fuzz
+// targets: a small roster, a comparable description of a filter tree, and
+// the tear-down of the singletons a start-up creates.
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+class VeskBuddy;
+class VeskRosterFilter;
+class VeskRosterFiltersStack;
+
+namespace VeskReliability {
+
+// Resets the stand-in roster and fills it with a few entries of every kind,
+// including the odd ones (no account, unknown presence, kind codes 0 and 7).
+void buildSmallRoster();
+
+// One line per node: kind, type, sorting method, advanced flag, configuration
+// values and display text. Nested stacks' names are left out: they are not
+// stored. With `normalised`, what a write and a read legitimately drop is
+// dropped too: nested stacks left without children vanish, and the type of a
+// stack without children is not shown (it is only stored for a stack that
+// has children).
+QString describe(VeskRosterFilter *filter, bool normalised);
+
+// describe() of every listed filter, keyed by identifier, in listing order.
+QStringList describeAll(bool normalised);
+
+// The answers of `filter` for every roster entry, as a string of 0 and 1.
+QString answers(const VeskRosterFilter *filter);
+
+// Deletes what a start-up made: the listed stacks, the default filter, the
+// filters manager and the sorters manager.
+void shutDown();
+
+// A stack named `name` with `leaves` leaf children of every kind and one
+// nested OR stack; `generation` goes into every value so that generations
+// differ in content and in size.
+VeskRosterFiltersStack *addLargeStack(const QString &name, int leaves, int generation);
+
+bool writeFile(const QString &path, const QByteArray &bytes);
+QByteArray readFile(const QString &path);
+
+// Every path below `dir` (relative), with its type and, for files, a hash of
+// the content; symbolic links are listed with their target and not followed.
+QStringList snapshotTree(const QString &dir);
+
+// Peak resident set size of this process so far, in KiB.
+qint64 peakRssKiB();
+
+} // namespace VeskReliability
