@@ -171,16 +171,19 @@ void shutDown()
     VeskRosterSortersManager::instance = nullptr;
 }
 
-VeskRosterFiltersStack *addLargeStack(const QString &name, int leaves, int generation)
+void fillLargeStack(VeskRosterFiltersStack *stack, int leaves, int generation)
 {
     static const QStringList kinds { QStringLiteral("display"), QStringLiteral("description"),
         QStringLiteral("group"), QStringLiteral("account"), QStringLiteral("protocol"),
         QStringLiteral("presence") };
-    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
-    VeskRosterFiltersStack *stack = manager->addStackFilter(name,
-        generation % 2 ? VeskRosterFilter::RosterFilterOr : VeskRosterFilter::RosterFilterAnd);
+    const QList<VeskRosterFilter *> old = stack->getFilters();
+    for (VeskRosterFilter *child : old) {
+        stack->removeFilter(child);
+        delete child;
+    }
     stack->setSorter(QStringLiteral("sorter-%1").arg(generation));
     stack->setAdvancedMode(generation % 2);
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
     auto *nested = static_cast<VeskRosterFiltersStack *>(
         manager->createFilter(QStringLiteral("stack_filter"), VeskRosterFilter::RosterFilterOr));
     for (int i = 0; i < leaves; ++i) {
@@ -208,6 +211,13 @@ VeskRosterFiltersStack *addLargeStack(const QString &name, int leaves, int gener
     }
     if (nested)
         stack->appendFilter(nested);
+}
+
+VeskRosterFiltersStack *addLargeStack(const QString &name, int leaves, int generation)
+{
+    VeskRosterFiltersStack *stack = VeskRosterFiltersManager::getInstance()->addStackFilter(name,
+        generation % 2 ? VeskRosterFilter::RosterFilterOr : VeskRosterFilter::RosterFilterAnd);
+    fillLargeStack(stack, leaves, generation);
     return stack;
 }
 

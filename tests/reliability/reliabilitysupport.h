@@ -37,9 +37,13 @@ QString answers(const VeskRosterFilter *filter);
 // filters manager and the sorters manager.
 void shutDown();
 
-// A stack named `name` with `leaves` leaf children of every kind and one
-// nested OR stack; `generation` goes into every value so that generations
+// Replaces the children of `stack` with `leaves` leaf filters of every kind,
+// a quarter of them inside one nested OR stack, and sets its sorting method
+// and advanced flag; `generation` goes into every value so that generations
 // differ in content and in size.
+void fillLargeStack(VeskRosterFiltersStack *stack, int leaves, int generation);
+// A new top-level stack (AND for an even generation, OR for an odd one),
+// filled as above.
 VeskRosterFiltersStack *addLargeStack(const QString &name, int leaves, int generation);
 
 bool writeFile(const QString &path, const QByteArray &bytes);

@@ -1,0 +1,101 @@
+// The child process of the crash-during-save test: it saves large stacks in
+// a loop until it is killed, and reports each finished save on stdout.
+//
+//   reliability_saver save SETTINGS_DIR STACKS LEAVES PERIOD FIRST
+//       after start-up prints "ready", then for g = FIRST, FIRST + 1, ...
+//       and every stack s: fills stack s with generation g % PERIOD, writes
+//       it, and prints "s g"; never ends by itself
+//   reliability_saver reference SETTINGS_DIR STACKS LEAVES PERIOD OUT_DIR
+//       writes generations 0 .. PERIOD - 1 once each and copies every file
+//       to OUT_DIR/s-g: the bytes a save of that generation must leave
+
+#include "reliabilitysupport.h"
+
+#include <standin/veskstandin.h>
+#include <veskrosterfiltersmanager.h>
+#include <veskrosterfiltersstack.h>
+
+#include <QByteArray>
+#include <QDir>
+#include <QList>
+
+#include <unistd.h>
+
+using namespace VeskReliability;
+
+namespace {
+
+QString stackName(int index)
+{
+    return QStringLiteral("stack-%1").arg(index);
+}
+
+// Unbuffered, so that every line written before the kill reaches the parent.
+void report(const QByteArray &line)
+{
+    const QByteArray bytes = line + '\n';
+    ssize_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::write(STDOUT_FILENO, bytes.constData() + done, bytes.size() - done);
+        if (n <= 0)
+            return;
+        done += n;
+    }
+}
+
+QList<VeskRosterFiltersStack *> openStacks(int count)
+{
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    QList<VeskRosterFiltersStack *> stacks;
+    for (int s = 0; s < count; ++s) {
+        VeskRosterFiltersStack *stack = manager->getStackFilter(stackName(s));
+        if (!stack)
+            stack = manager->addStackFilter(stackName(s),
+                s % 2 ? VeskRosterFilter::RosterFilterOr : VeskRosterFilter::RosterFilterAnd);
+        stacks.append(stack);
+    }
+    return stacks;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc < 7)
+        return 2;
+    const QByteArray mode = argv[1];
+    const QString dir = QString::fromLocal8Bit(argv[2]);
+    const int count = QByteArray(argv[3]).toInt();
+    const int leaves = QByteArray(argv[4]).toInt();
+    const int period = qMax(1, QByteArray(argv[5]).toInt());
+
+    buildSmallRoster();
+    VeskStandIn::setSettingsDir(dir);
+    const QList<VeskRosterFiltersStack *> stacks = openStacks(count);
+
+    if (mode == "reference") {
+        const QString out = QString::fromLocal8Bit(argv[6]);
+        QDir().mkpath(out);
+        for (int g = 0; g < period; ++g) {
+            for (int s = 0; s < count; ++s) {
+                fillLargeStack(stacks.at(s), leaves, g);
+                stacks.at(s)->writeFilterSettings();
+                const QString file = dir + QLatin1String("/roster_filters/") + stackName(s);
+                writeFile(out + QStringLiteral("/%1-%2").arg(s).arg(g), readFile(file));
+            }
+        }
+        shutDown();
+        return 0;
+    }
+    if (mode != "save")
+        return 2;
+
+    report("ready");
+    for (int g = QByteArray(argv[6]).toInt();; ++g) {
+        for (int s = 0; s < count; ++s) {
+            fillLargeStack(stacks.at(s), leaves, g % period);
+            stacks.at(s)->writeFilterSettings();
+            report(QByteArray::number(s) + ' ' + QByteArray::number(g));
+        }
+    }
+}
