@@ -41,6 +41,11 @@ if [ "$mode" = seeds ]; then
 fi
 
 export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1}
+# The stack-file target saves files on every run; on tmpfs a save's fsync
+# costs nothing and the fuzzer runs several times faster.
+if [ -z "${TMPDIR:-}" ] && [ -d /dev/shm ] && [ -w /dev/shm ]; then
+    export TMPDIR=/dev/shm
+fi
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 artifacts="$BUILD/artifacts"
 mkdir -p "$artifacts"

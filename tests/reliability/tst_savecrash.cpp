@@ -75,7 +75,7 @@ void tst_SaveCrash::initTestCase()
 void tst_SaveCrash::killedSaveLeavesOldOrNewContent()
 {
     const int kills = envInt("VESK_SAVE_KILLS", 200);
-    const int maxDelayUs = envInt("VESK_SAVE_MAX_DELAY_US", 60000);
+    const int maxDelayUs = envInt("VESK_SAVE_MAX_DELAY_US", 150000);
     const quint32 seed = quint32(envInt("VESK_SAVE_SEED", 20261123));
     QRandomGenerator random(seed);
 
@@ -110,7 +110,7 @@ void tst_SaveCrash::killedSaveLeavesOldOrNewContent()
     userFilters.sort();
 
     int nextGeneration = period;
-    int cutMidSave = 0;
+    int unreportedSaves = 0;
     int completedSaves = 0;
     for (int round = 0; round < kills; ++round) {
         const QString where = QStringLiteral("round %1 (seed %2)").arg(round).arg(seed);
@@ -151,7 +151,7 @@ void tst_SaveCrash::killedSaveLeavesOldOrNewContent()
             const QByteArray actual = readFile(stackFile(dir, s));
             const QByteArray next = expected.value({ s, pendingGeneration % period });
             if (s == pendingStack && actual == next && actual != onDisk[s])
-                ++cutMidSave;
+                ++unreportedSaves;
             const bool allowed = actual == onDisk[s] || (s == pendingStack && actual == next);
             QVERIFY2(allowed,
                 qPrintable(QStringLiteral("%1: stack-%2 is neither its previous nor its new "
@@ -173,9 +173,11 @@ void tst_SaveCrash::killedSaveLeavesOldOrNewContent()
     const QStringList leftovers
         = QDir(dir + QLatin1String("/roster_filters"))
               .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    qInfo("%d kills, %d saves completed, %d kills found the interrupted save already "
-          "committed, %d entries left in the stack-file directory for %d stacks",
-        kills, completedSaves, cutMidSave, int(leftovers.size()), stackCount);
+    // Leftover temporary files show kills that landed while a file was
+    // being written; the other kills mostly landed while a tree was built.
+    qInfo("%d kills, %d saves reported, %d kills after a save committed but before it was "
+          "reported, %d temporary files left behind",
+        kills, completedSaves, unreportedSaves, int(leftovers.size()) - stackCount);
 }
 
 QTEST_GUILESS_MAIN(tst_SaveCrash)

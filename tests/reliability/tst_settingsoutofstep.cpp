@@ -133,7 +133,8 @@ void tst_SettingsOutOfStep::startUpReconcilesAnyStoredStateWithTheFiles()
         VeskStandIn::setSettingsDir(root.path());
 
         QStringList expected { QStringLiteral("default") };
-        for (const QString &id : state.storedOrder) {
+        const QStringList stored = state.storeOrder ? state.storedOrder : QStringList();
+        for (const QString &id : stored) {
             if (id != QLatin1String("default") && state.files.contains(id))
                 expected.append(id);
         }
