@@ -7,6 +7,7 @@
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskrostersortersmanager.h>
+#include <vesksettingsmanager.h>
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -161,9 +162,20 @@ void shutDown()
             if (VeskRosterFilter *stack = manager->getStackFilter(id))
                 owned.insert(stack);
         }
+        // The default filter is only handed out as the current filter; making
+        // it current stores "roster_filter", which is put back as it was.
+        const QString unset = QStringLiteral("\x01unset");
+        const VeskField stored
+            = VeskSettingsManager::getInstance()->readGlobalSetting(VeskField::lineEdit(
+                QString(), QStringLiteral("roster_filter"), unset, 32767, QString()));
         manager->setCurrentFilter(QStringLiteral("default"));
         if (VeskRosterFilter *fallback = manager->getCurrentFilter())
             owned.insert(fallback);
+        VeskSettingsManagerPrivate *settings = VeskSettingsManagerPrivate::settingsMgrPrivInstance;
+        if (stored.getText() == unset)
+            settings->removeKey(QStringLiteral("roster_filter"));
+        else
+            settings->writeGlobalSetting(stored);
         delete manager;
         qDeleteAll(owned);
     }

@@ -20,5 +20,6 @@ fi
 # Leaks count as errors only when definite: Qt keeps some allocations
 # reachable until exit on purpose.
 exec valgrind --tool=memcheck --error-exitcode=1 --leak-check=full \
+    --suppressions="$source_dir/tests/reliability/valgrind.supp" \
     --errors-for-leak-kinds=definite --show-leak-kinds=definite --track-origins=yes \
     --num-callers=30 -q "$scenario"

@@ -45,8 +45,6 @@ int main(int argc, char **argv)
     addLargeStack(QStringLiteral("friends"), 12, 0)->writeFilterSettings();
     addLargeStack(QStringLiteral("work"), 6, 1)->writeFilterSettings();
     manager->setCurrentFilter(QStringLiteral("friends"));
-    const QString before = describe(manager->getStackFilter(QStringLiteral("friends")), false);
-    const QString answered = answers(manager->getCurrentFilter());
 
     VeskRosterSortersManager *sorters = VeskRosterSortersManager::getInstance();
     sorters->addSorter(
@@ -59,6 +57,10 @@ int main(int argc, char **argv)
         for (const VeskBuddy &b : entries)
             sorters->lessThan(a, b);
     }
+
+    // Making a method current records it in the current filter.
+    const QString before = describe(manager->getStackFilter(QStringLiteral("friends")), false);
+    const QString answered = answers(manager->getCurrentFilter());
 
     manager->rename(QStringLiteral("work"), QStringLiteral("office"));
     manager->downFilter(QStringLiteral("default"));
