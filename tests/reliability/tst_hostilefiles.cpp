@@ -172,6 +172,10 @@ void tst_HostileFiles::startUpSurvivesAHostileFile_data()
     QTest::addColumn<int>("leavesLoaded"); // -1: any number
 
     QTest::newRow("nesting of 10 levels loads whole") << nested(10, true) << 11;
+    QTest::newRow("nesting of 50 levels loads whole") << nested(50, true) << 51;
+    // Deep enough for every recursion the library has, yet possibly within
+    // its depth bound: must not overflow a 1 MiB stack.
+    QTest::newRow("nesting of 250 levels") << nested(250, true) << -1;
     QTest::newRow("nesting of 1,000 levels") << nested(1000, true) << -1;
     QTest::newRow("nesting of 100,000 levels") << nested(100000, false) << -1;
     QTest::newRow("nesting of 1,000,000 levels") << nested(1000000, false) << -1;

@@ -170,6 +170,8 @@ private slots:
 
     void aFilterUnderAnyNameLivesInsideTheDirectoryAndSurvivesARestart_data();
     void aFilterUnderAnyNameLivesInsideTheDirectoryAndSurvivesARestart();
+    void theCurrentFilterUnderAnyNameIsCurrentAfterARestart_data();
+    void theCurrentFilterUnderAnyNameIsCurrentAfterARestart();
     void distinctNamesNeverShareAFile();
     void plainNamesKeepTheirFileName();
     void anEmptyNameTouchesNoFile();
@@ -261,6 +263,25 @@ void tst_HostileNames::aFilterUnderAnyNameLivesInsideTheDirectoryAndSurvivesARes
                                          .filter(QRegularExpression(QStringLiteral("^F ")));
     QCOMPARE(outsideAfter.filter(QStringLiteral("victim")),
         outsideBefore.filter(QStringLiteral("victim")));
+}
+
+void tst_HostileNames::theCurrentFilterUnderAnyNameIsCurrentAfterARestart_data()
+{
+    aFilterUnderAnyNameLivesInsideTheDirectoryAndSurvivesARestart_data();
+}
+
+void tst_HostileNames::theCurrentFilterUnderAnyNameIsCurrentAfterARestart()
+{
+    QFETCH(QString, name);
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    VeskRosterFiltersStack *stack
+        = manager->addStackFilter(name, VeskRosterFilter::RosterFilterAnd);
+    addNamedLeaf(stack, name);
+    stack->writeFilterSettings();
+    manager->setCurrentFilter(name);
+
+    restart();
+    QCOMPARE(VeskRosterFiltersManager::getInstance()->getCurrentFilterName(), name);
 }
 
 void tst_HostileNames::distinctNamesNeverShareAFile()
