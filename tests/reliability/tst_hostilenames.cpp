@@ -343,21 +343,33 @@ void tst_HostileNames::aSymlinkInTheDirectoryNeverLeadsOutside_data()
 {
     QTest::addColumn<QString>("linkName");
     QTest::addColumn<QString>("target");
-    QTest::addColumn<QString>("filterName");
+    QTest::addColumn<QString>("operations");
     const QString outside = QStringLiteral("@OUTSIDE@");
-    QTest::newRow("a link to a file, named like the filter")
-        << QStringLiteral("evil") << outside + QStringLiteral("/secret") << QStringLiteral("evil");
-    QTest::newRow("a dangling link, named like the filter")
-        << QStringLiteral("evil") << outside + QStringLiteral("/created") << QStringLiteral("evil");
-    QTest::newRow("a link to a directory, named like the filter")
-        << QStringLiteral("evil") << outside << QStringLiteral("evil");
+    const QString file = outside + QStringLiteral("/secret");
+    const QString dangling = outside + QStringLiteral("/created");
+    const QString all = QStringLiteral("write rename write remove");
+    QTest::newRow("a link to a file, named like the filter: save, rename, remove")
+        << QStringLiteral("evil") << file << all;
+    QTest::newRow("a link to a file, named like the filter: remove")
+        << QStringLiteral("evil") << file << QStringLiteral("remove");
+    QTest::newRow("a link to a file, named like the filter: rename")
+        << QStringLiteral("evil") << file << QStringLiteral("rename");
+    QTest::newRow("a dangling link, named like the filter: save, rename, remove")
+        << QStringLiteral("evil") << dangling << all;
+    QTest::newRow("a dangling link, named like the filter: rename")
+        << QStringLiteral("evil") << dangling << QStringLiteral("rename");
+    QTest::newRow("a link to a directory, named like the filter: save, rename, remove")
+        << QStringLiteral("evil") << outside << all;
+    QTest::newRow("a dangling link, named like the new name of a rename")
+        << QStringLiteral("renamed") << dangling << QStringLiteral("write rename write remove");
     const QStringList temporaryNames { QStringLiteral(".evil"), QStringLiteral(".evil.tmp"),
         QStringLiteral("evil.tmp"), QStringLiteral("evil.new"), QStringLiteral("evil~"),
         QStringLiteral(".evil.new"), QStringLiteral("evil.part"), QStringLiteral(".#evil"),
-        QStringLiteral(".evil.swp"), QStringLiteral("evil.bak"), QStringLiteral(".evil.bak") };
+        QStringLiteral(".evil.swp"), QStringLiteral("evil.bak"), QStringLiteral(".evil.bak"),
+        QStringLiteral(".vesk-save-XXXXXX") };
     for (const QString &temporary : temporaryNames) {
         QTest::addRow("a dangling link where a temporary file could go: %s", qPrintable(temporary))
-            << temporary << outside + QStringLiteral("/created") << QStringLiteral("evil");
+            << temporary << dangling << all;
     }
 }
 
@@ -365,7 +377,7 @@ void tst_HostileNames::aSymlinkInTheDirectoryNeverLeadsOutside()
 {
     QFETCH(QString, linkName);
     QFETCH(QString, target);
-    QFETCH(QString, filterName);
+    QFETCH(QString, operations);
     const QString outside = root->path() + QLatin1String("/outside");
     QVERIFY(QDir().mkpath(outside));
     QVERIFY(writeFile(outside + QLatin1String("/secret"), "not the library's"));
@@ -375,18 +387,21 @@ void tst_HostileNames::aSymlinkInTheDirectoryNeverLeadsOutside()
 
     restart();
     VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
-    VeskRosterFiltersStack *stack = manager->getStackFilter(filterName);
+    const QString name = QStringLiteral("evil");
+    VeskRosterFiltersStack *stack = manager->getStackFilter(name);
     if (!stack)
-        stack = manager->addStackFilter(filterName, VeskRosterFilter::RosterFilterAnd);
-    addNamedLeaf(stack, filterName);
-    stack->writeFilterSettings();
-    QCOMPARE(snapshotTree(outside), before);
-    stack->writeFilterSettings();
-    manager->rename(filterName, QStringLiteral("renamed"));
-    stack->writeFilterSettings();
-    QCOMPARE(snapshotTree(outside), before);
-    manager->removeStackFilter(QStringLiteral("renamed"));
-    manager->removeStackFilter(filterName);
+        stack = manager->addStackFilter(name, VeskRosterFilter::RosterFilterAnd);
+    addNamedLeaf(stack, name);
+    const QStringList steps = operations.split(QLatin1Char(' '));
+    for (const QString &step : steps) {
+        if (step == QLatin1String("write"))
+            stack->writeFilterSettings();
+        else if (step == QLatin1String("rename"))
+            manager->rename(stack->id(), QStringLiteral("renamed"));
+        else if (step == QLatin1String("remove"))
+            manager->removeStackFilter(stack->id());
+        QVERIFY2(snapshotTree(outside) == before, qPrintable(QLatin1String("after ") + step));
+    }
     manager->removeStackFilter(linkName);
     QCOMPARE(snapshotTree(outside), before);
     deleteIfUnregistered(stack);
