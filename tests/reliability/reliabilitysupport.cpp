@@ -101,7 +101,7 @@ namespace {
 
 } // namespace
 
-QString describe(VeskRosterFilter *filter, bool normalised)
+QString describe(VeskRosterFilter *filter, bool normalised, bool withDisplay)
 {
     if (!filter)
         return QStringLiteral("null");
@@ -109,13 +109,14 @@ QString describe(VeskRosterFilter *filter, bool normalised)
     if (!stack) {
         return QStringLiteral("%1 %2 {%3} \"%4\"")
             .arg(filter->id(), typeName(filter->getType()),
-                describeFields(filter->getConfiguration()), filter->display());
+                describeFields(filter->getConfiguration()),
+                withDisplay ? filter->display() : answers(filter));
     }
     const bool nested = filter->getParent() != nullptr;
     QStringList children;
     const QList<VeskRosterFilter *> list = stack->getFilters();
     for (VeskRosterFilter *child : list) {
-        const QString text = describe(child, normalised);
+        const QString text = describe(child, normalised, withDisplay);
         if (!normalised || !text.isEmpty())
             children.append(text);
     }
@@ -131,7 +132,7 @@ QString describe(VeskRosterFilter *filter, bool normalised)
     return QStringLiteral("%1%2 (%3)").arg(type, extras, children.join(QLatin1String(", ")));
 }
 
-QStringList describeAll(bool normalised)
+QStringList describeAll(bool normalised, bool withDisplay)
 {
     QStringList result;
     VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
@@ -139,7 +140,8 @@ QStringList describeAll(bool normalised)
     for (const QString &id : ids) {
         if (id == QLatin1String("default"))
             continue;
-        result.append(id + QLatin1String(": ") + describe(manager->getStackFilter(id), normalised));
+        result.append(id + QLatin1String(": ")
+            + describe(manager->getStackFilter(id), normalised, withDisplay));
     }
     return result;
 }

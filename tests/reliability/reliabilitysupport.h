@@ -24,11 +24,14 @@ void buildSmallRoster();
 // stored. With `normalised`, what a write and a read legitimately drop is
 // dropped too: nested stacks left without children vanish, and the type of a
 // stack without children is not shown (it is only stored for a stack that
-// has children).
-QString describe(VeskRosterFilter *filter, bool normalised);
+// has children). Without `withDisplay`, leaves show their answers for the
+// roster instead of their display texts: a stored value that names no item
+// shows an empty label until the filter is saved once, then the label of
+// what it was read as.
+QString describe(VeskRosterFilter *filter, bool normalised, bool withDisplay = true);
 
 // describe() of every listed filter, keyed by identifier, in listing order.
-QStringList describeAll(bool normalised);
+QStringList describeAll(bool normalised, bool withDisplay = true);
 
 // The answers of `filter` for every roster entry, as a string of 0 and 1.
 QString answers(const VeskRosterFilter *filter);
