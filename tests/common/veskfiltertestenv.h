@@ -1,8 +1,8 @@
 #pragma once
 
-// A temporary settings directory with a fresh stand-in roster, and the
-// tear-down of both managers together with the stacks that the filters
-// manager keeps: it never deletes them itself, so a test must.
+// A settings directory inside a temporary sandbox (so that a test can see
+// anything written beside it), a fresh stand-in roster, and the tear-down of both managers together
+// with the stacks that the filters manager keeps: it never deletes them itself, so a test must.
 
 #include <standin/veskstandin.h>
 #include <veskrosterfilter.h>
@@ -21,7 +21,7 @@ public:
     {
         shutDownManagers();
         VeskStandIn::resetRoster();
-        VeskStandIn::setSettingsDir(dir.path());
+        VeskStandIn::setSettingsDir(path());
     }
 
     ~VeskFilterTestEnv()
@@ -30,8 +30,9 @@ public:
         VeskStandIn::resetRoster();
     }
 
-    QString path() const { return dir.path(); }
-    QString filtersDir() const { return dir.path() + QLatin1String("/roster_filters"); }
+    QString sandbox() const { return dir.path(); }
+    QString path() const { return dir.path() + QLatin1String("/settings"); }
+    QString filtersDir() const { return path() + QLatin1String("/roster_filters"); }
     QString filePath(const QString &fileName) const
     {
         return filtersDir() + QLatin1Char('/') + fileName;
@@ -42,7 +43,7 @@ public:
     VeskRosterFiltersManager *restart()
     {
         shutDownManagers();
-        VeskStandIn::setSettingsDir(dir.path());
+        VeskStandIn::setSettingsDir(path());
         return VeskRosterFiltersManager::getInstance();
     }
 
