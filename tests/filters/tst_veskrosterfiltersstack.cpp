@@ -276,46 +276,52 @@ void tst_VeskRosterFiltersStack::getFiltersIsACopy()
 
 void tst_VeskRosterFiltersStack::appendFilterRefusesWhatWouldBreakOwnership_data()
 {
+    QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("candidate");
-    QTest::newRow("a null filter") << QStringLiteral("null");
-    QTest::newRow("a filter already in the stack") << QStringLiteral("own child");
-    QTest::newRow("a filter held by another stack") << QStringLiteral("other's child");
-    QTest::newRow("the stack itself") << QStringLiteral("itself");
-    QTest::newRow("the stack's parent") << QStringLiteral("parent");
-    QTest::newRow("the stack's root ancestor") << QStringLiteral("root");
+    const QString stack = QStringLiteral("stack");
+    QTest::newRow("a null filter") << stack << QStringLiteral("null");
+    QTest::newRow("a filter already in the stack") << stack << QStringLiteral("child");
+    QTest::newRow("a filter held by another stack") << stack << QStringLiteral("other's child");
+    QTest::newRow("a nested stack itself") << stack << stack;
+    QTest::newRow("a top-level stack itself") << QStringLiteral("root") << QStringLiteral("root");
+    QTest::newRow("the stack's parent") << stack << QStringLiteral("parent");
+    QTest::newRow("the stack's root ancestor") << stack << QStringLiteral("root");
 }
 
 void tst_VeskRosterFiltersStack::appendFilterRefusesWhatWouldBreakOwnership()
 {
+    QFETCH(QString, target);
     QFETCH(QString, candidate);
 
-    // root > parent > stack > child; other > othersChild
+    // root > parent > stack > child; other > othersChild (a stack)
     auto *root
         = new VeskRosterFiltersStack(QStringLiteral("root"), VeskRosterFilter::RosterFilterAnd);
     auto *parent = new VeskRosterFiltersStack(QString(), VeskRosterFilter::RosterFilterAnd);
     auto *stack = new VeskRosterFiltersStack(QString(), VeskRosterFilter::RosterFilterAnd);
     auto *child = new ProbeFilter;
     VeskRosterFiltersStack other(QStringLiteral("other"), VeskRosterFilter::RosterFilterAnd);
-    auto *othersChild = new ProbeFilter;
+    auto *othersChild = new VeskRosterFiltersStack(QString(), VeskRosterFilter::RosterFilterOr);
     root->appendFilter(parent);
     parent->appendFilter(stack);
     stack->appendFilter(child);
     other.appendFilter(othersChild);
 
-    const QHash<QString, VeskRosterFilter *> candidates {
-        { QStringLiteral("null"), nullptr },
-        { QStringLiteral("own child"), child },
-        { QStringLiteral("other's child"), othersChild },
-        { QStringLiteral("itself"), stack },
+    const QHash<QString, VeskRosterFiltersStack *> stacks {
+        { QStringLiteral("stack"), stack },
         { QStringLiteral("parent"), parent },
         { QStringLiteral("root"), root },
+        { QStringLiteral("other's child"), othersChild },
     };
-    stack->appendFilter(candidates.value(candidate));
+    VeskRosterFilter *filter = candidate == QLatin1String("child")
+        ? child
+        : static_cast<VeskRosterFilter *>(stacks.value(candidate));
+    stacks.value(target)->appendFilter(filter);
 
     QCOMPARE(stack->getFilters(), QList<VeskRosterFilter *> { child });
     QCOMPARE(parent->getFilters(), QList<VeskRosterFilter *> { stack });
     QCOMPARE(root->getFilters(), QList<VeskRosterFilter *> { parent });
     QCOMPARE(other.getFilters(), QList<VeskRosterFilter *> { othersChild });
+    QCOMPARE(othersChild->getFilters(), QList<VeskRosterFilter *> {});
     const QList<VeskRosterFilter *> parents { root->getParent(), parent->getParent(),
         stack->getParent(), child->getParent(), othersChild->getParent() };
     QCOMPARE(parents, (QList<VeskRosterFilter *> { nullptr, root, parent, stack, &other }));
