@@ -73,7 +73,6 @@ private slots:
     void displayJoinsChildTextsInParentheses();
     void displayNestsTheTextsOfNestedStacks();
     void childWithAnEmptyTextShowsEmptyParentheses();
-    void advancedModeChangesNeitherAnswerNorText();
 
     void destroyingAStackDestroysItsWholeSubtreeOnce();
     void removeFilterHandsAChildBackAlive();
@@ -81,7 +80,6 @@ private slots:
     void getFiltersIsACopy();
     void appendFilterRefusesWhatWouldBreakOwnership_data();
     void appendFilterRefusesWhatWouldBreakOwnership();
-    void setNameChangesIdAndNameTogether();
 
     void defaultFilterPassesEveryKindOfEntry_data();
     void defaultFilterPassesEveryKindOfEntry();
@@ -199,20 +197,6 @@ void tst_VeskRosterFiltersStack::childWithAnEmptyTextShowsEmptyParentheses()
     QCOMPARE(stack.display(), QStringLiteral("() AND (x)"));
 }
 
-void tst_VeskRosterFiltersStack::advancedModeChangesNeitherAnswerNorText()
-{
-    VeskRosterFiltersStack plain(QStringLiteral("p"), VeskRosterFilter::RosterFilterOr);
-    VeskRosterFiltersStack advanced(QStringLiteral("a"), VeskRosterFilter::RosterFilterOr);
-    advanced.setAdvancedMode(true);
-    for (VeskRosterFiltersStack *stack : { &plain, &advanced }) {
-        stack->appendFilter(new ProbeFilter(false, QStringLiteral("x")));
-        stack->appendFilter(new ProbeFilter(false, QStringLiteral("y")));
-    }
-    const VeskBuddy entry = VeskStandIn::addEntry(VeskBuddy::TypeContact, QStringLiteral("x"));
-    QCOMPARE(advanced.display(), plain.display());
-    QCOMPARE(advanced.filter(entry), plain.filter(entry));
-}
-
 void tst_VeskRosterFiltersStack::destroyingAStackDestroysItsWholeSubtreeOnce()
 {
     int destroyed = 0;
@@ -326,14 +310,6 @@ void tst_VeskRosterFiltersStack::appendFilterRefusesWhatWouldBreakOwnership()
         stack->getParent(), child->getParent(), othersChild->getParent() };
     QCOMPARE(parents, (QList<VeskRosterFilter *> { nullptr, root, parent, stack, &other }));
     delete root;
-}
-
-void tst_VeskRosterFiltersStack::setNameChangesIdAndNameTogether()
-{
-    VeskRosterFiltersStack stack(QStringLiteral("old"), VeskRosterFilter::RosterFilterAnd);
-    stack.setName(QStringLiteral("new"));
-    QCOMPARE(QStringList({ stack.id(), stack.name() }),
-        QStringList({ QStringLiteral("new"), QStringLiteral("new") }));
 }
 
 void tst_VeskRosterFiltersStack::defaultFilterPassesEveryKindOfEntry_data()
