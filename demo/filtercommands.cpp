@@ -121,6 +121,11 @@ VeskRosterFilter *childAt(VeskRosterFiltersStack *top, const ChildPath &path, in
                           "children)")
                           .arg(path.text)
                           .arg(index)
+                    : children.size() == 1
+                    ? vtr("bad child path \"%1\": index %2 is out of range (the stack has one "
+                          "child, index 0)")
+                          .arg(path.text)
+                          .arg(index)
                     : vtr("bad child path \"%1\": index %2 is out of range (the stack has %3 "
                           "children, 0 to %4)")
                           .arg(path.text)
@@ -297,11 +302,18 @@ void rename(VeskCommandContext &context)
     const QString newPath = session.stackFilePath(newId);
     if (!QFileInfo::exists(oldPath))
         refuse(vtr("the file of \"%1\" is missing (%2); nothing to rename").arg(oldId, oldPath));
+    VeskRosterFiltersStack *stack = session.filters()->getStackFilter(oldId);
     QStringList order = session.filters()->getFilterNames();
     session.filters()->rename(oldId, newId);
-    // The file moves as it is: renaming does not re-write the filter.
-    if (!QFile::rename(oldPath, newPath))
+    if (session.filters()->getStackFilter(newId) != stack)
+        refuse(vtr("the library did not rename \"%1\" to \"%2\"").arg(oldId, newId));
+    // The file moves as it is: renaming does not re-write the filter. The
+    // library may have moved it already.
+    if (QFileInfo::exists(oldPath) && !QFileInfo::exists(newPath)
+        && !QFile::rename(oldPath, newPath)) {
         refuse(vtr("cannot move \"%1\" to \"%2\"").arg(oldPath, newPath));
+    }
+    // The filter keeps its place, under its new name.
     for (QString &id : order) {
         if (id == oldId)
             id = newId;
