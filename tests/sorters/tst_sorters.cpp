@@ -28,6 +28,7 @@ private slots:
 
     void byNameOrdersPositionedGroupsThenCaseFoldedTexts_data();
     void byNameOrdersPositionedGroupsThenCaseFoldedTexts();
+    void byNameAgreesWithLoweredLocaleAwareCompareForAnyText();
     void byChatsCountIsPositiveWhenTheSecondHasMoreChats_data();
     void byChatsCountIsPositiveWhenTheSecondHasMoreChats();
     void byPresencePriorityIsPositiveWhenTheSecondRanksHigher_data();
@@ -47,7 +48,7 @@ void tst_Sorters::init()
     VeskStandIn::resetRoster();
     roster.clear();
     const auto add = [this](const char *key, const VeskBuddy &buddy) {
-        roster.insert(QLatin1String(key), buddy);
+        roster.insert(QString::fromUtf8(key), buddy);
     };
     add("group Friends at 3", VeskStandIn::addGroup(QStringLiteral("Friends"), 3));
     add("group Alpha at 5", VeskStandIn::addGroup(QStringLiteral("Alpha"), 5));
@@ -58,6 +59,8 @@ void tst_Sorters::init()
     add("Alice", contact({ QStringLiteral("Alice") }));
     add("aLICE", contact({ QStringLiteral("aLICE") }));
     add("Bob", contact({ QStringLiteral("Bob") }));
+    add("Zoë", contact({ QStringLiteral("Zoë") }));
+    add("zOË", contact({ QStringLiteral("zOË") }));
     add("temporary Carol", temporary({ QStringLiteral("Carol") }));
     add("entry of kind 7", VeskStandIn::addEntry(7, QStringLiteral("Dave")));
 
@@ -130,6 +133,8 @@ void tst_Sorters::byNameOrdersPositionedGroupsThenCaseFoldedTexts_data()
         { "contacts in order", QStringLiteral("Alice"), QStringLiteral("Bob"), -1 },
         { "contacts out of order", QStringLiteral("Bob"), QStringLiteral("Alice"), 1 },
         { "names differing only in case", QStringLiteral("Alice"), QStringLiteral("aLICE"), 0 },
+        { "non-ASCII names differing only in case", QStringLiteral("Zoë"), QStringLiteral("zOË"),
+            0 },
         { "the same entry", QStringLiteral("Bob"), QStringLiteral("Bob"), 0 },
         { "a temporary contact by its text", QStringLiteral("temporary Carol"),
             QStringLiteral("Bob"), 1 },
@@ -143,6 +148,55 @@ void tst_Sorters::byNameOrdersPositionedGroupsThenCaseFoldedTexts()
     QFETCH(int, expected);
     const int value = compare(VeskRosterSorterByName());
     QCOMPARE((value > 0) - (value < 0), expected);
+}
+
+// The comparator lowers ASCII texts itself; every answer must still be the
+// one toLower() and localeAwareCompare() give.
+void tst_Sorters::byNameAgreesWithLoweredLocaleAwareCompareForAnyText()
+{
+    const QStringList texts {
+        QString(),
+        QStringLiteral("Zed"),
+        QStringLiteral("zED"),
+        QStringLiteral("[Zed]"),
+        QStringLiteral("@home"),
+        QStringLiteral("`tick"),
+        QStringLiteral("_under"),
+        QStringLiteral("A_"),
+        QStringLiteral("a^"),
+        QStringLiteral("ABC 1"),
+        QStringLiteral("abc 1"),
+        QStringLiteral("abc"),
+        QStringLiteral("Émile"),
+        QStringLiteral("émile"),
+        QStringLiteral("Emile"),
+        QStringLiteral("İstanbul"),
+        QStringLiteral("istanbul"),
+        QStringLiteral("STRASSE"),
+        QStringLiteral("straße"),
+        QString::fromUtf16(u"\u212B"), // ANGSTROM SIGN lowers to U+00E5
+        QString::fromUtf16(u"\u00E5"),
+        QString(QChar(0xD800)) + QStringLiteral("x"),
+        QStringLiteral("a") + QChar(0) + QStringLiteral("b"),
+    };
+    QList<VeskBuddy> entries;
+    for (const QString &text : texts)
+        entries << contact({ text });
+
+    const VeskRosterSorterByName sorter;
+    const auto sign = [](int v) {
+        return (v > 0) - (v < 0);
+    };
+    QStringList mismatches;
+    for (int i = 0; i < texts.size(); ++i) {
+        for (int j = 0; j < texts.size(); ++j) {
+            const int expected
+                = sign(QString::localeAwareCompare(texts.at(i).toLower(), texts.at(j).toLower()));
+            if (sign(sorter.lessThan(entries.at(i), entries.at(j))) != expected)
+                mismatches << texts.at(i) + QLatin1String(" / ") + texts.at(j);
+        }
+    }
+    QCOMPARE(mismatches, QStringList());
 }
 
 void tst_Sorters::byChatsCountIsPositiveWhenTheSecondHasMoreChats_data()
