@@ -34,9 +34,30 @@ QString flagsKey(const QString &name)
     return QLatin1String("sorter_asc_") + name;
 }
 
-VeskSettingsManagerPrivate &settings()
+// The host sets its private front end before it loads the library. Should it
+// not have, settings read as their defaults and writes are dropped: the host
+// keeps running and nothing stored is touched.
+VeskField readSetting(const VeskField &field)
 {
-    return *VeskSettingsManagerPrivate::settingsMgrPrivInstance;
+    VeskSettingsManagerPrivate *settings = VeskSettingsManagerPrivate::settingsMgrPrivInstance;
+    return settings ? settings->readGlobalSetting(field) : field;
+}
+
+void writeSetting(const VeskField &field)
+{
+    if (VeskSettingsManagerPrivate *settings = VeskSettingsManagerPrivate::settingsMgrPrivInstance)
+        settings->writeGlobalSetting(field);
+}
+
+void removeSetting(const QString &key)
+{
+    if (VeskSettingsManagerPrivate *settings = VeskSettingsManagerPrivate::settingsMgrPrivInstance)
+        settings->removeKey(key);
+}
+
+VeskField textField(const QString &key, const QString &text)
+{
+    return VeskField::lineEdit(QString(), key, text, 32767, QString());
 }
 
 VeskField listField(const QString &key, const QStringList &ids = QStringList())
@@ -46,14 +67,14 @@ VeskField listField(const QString &key, const QStringList &ids = QStringList())
 
 QStringList readList(const QString &key)
 {
-    return settings().readGlobalSetting(listField(key)).getComboBoxIds();
+    return readSetting(listField(key)).getComboBoxIds();
 }
 
 // "sorters" is kept with the one list as both the item ids and the labels.
 void writeMethodNames(VeskField field, const QStringList &names)
 {
     field.setComboBoxItems(names, names);
-    settings().writeGlobalSetting(field);
+    writeSetting(field);
 }
 
 } // namespace
@@ -69,20 +90,17 @@ VeskRosterSortersManager *VeskRosterSortersManager::getInstance()
 
 VeskRosterSortersManager::VeskRosterSortersManager()
 {
-    const char *const context = "translation";
-    const char *const comment = "sorting method";
-    sorterDisplays.insert(
-        QStringLiteral("name"), QCoreApplication::translate(context, "name", comment));
-    sorterDisplays.insert(
-        QStringLiteral("presence"), QCoreApplication::translate(context, "presence", comment));
+    // Literal arguments, so that the translation tools find the texts.
+    sorterDisplays.insert(QStringLiteral("name"),
+        QCoreApplication::translate("translation", "name", "sorting method"));
+    sorterDisplays.insert(QStringLiteral("presence"),
+        QCoreApplication::translate("translation", "presence", "sorting method"));
     sorterDisplays.insert(QStringLiteral("presence_priority"),
-        QCoreApplication::translate(context, "presence priority", comment));
+        QCoreApplication::translate("translation", "presence priority", "sorting method"));
     sorterDisplays.insert(QStringLiteral("chats_count"),
-        QCoreApplication::translate(context, "chats count", comment));
+        QCoreApplication::translate("translation", "chats count", "sorting method"));
 
-    const VeskField stored = settings().readGlobalSetting(
-        VeskField::lineEdit(QString(), defaultSorterKey(), QString(), 32767, QString()));
-    defaultSorter = stored.getText();
+    defaultSorter = readSetting(textField(defaultSorterKey(), QString())).getText();
 }
 
 VeskRosterSortersManager::~VeskRosterSortersManager()
@@ -114,8 +132,7 @@ QString VeskRosterSortersManager::getDefault() const
 void VeskRosterSortersManager::setDefault(const QString &name)
 {
     defaultSorter = name;
-    settings().writeGlobalSetting(
-        VeskField::lineEdit(QString(), defaultSorterKey(), name, 32767, QString()));
+    writeSetting(textField(defaultSorterKey(), name));
 }
 
 QStringList VeskRosterSortersManager::getSorters() const
@@ -135,9 +152,9 @@ QStringList VeskRosterSortersManager::getSortersAscending(const QString &name) c
 
 void VeskRosterSortersManager::addSorter(const QString &name, const QStringList &ids)
 {
-    settings().writeGlobalSetting(listField(idsKey(name), ids));
+    writeSetting(listField(idsKey(name), ids));
 
-    const VeskField stored = settings().readGlobalSetting(listField(sortersKey()));
+    const VeskField stored = readSetting(listField(sortersKey()));
     QStringList names = stored.getComboBoxIds();
     if (names.contains(name))
         return;
@@ -149,9 +166,9 @@ void VeskRosterSortersManager::removeSorter(const QString &name)
 {
     // The directions under "sorter_asc_" stay, and so does a default naming
     // the method: filters may still refer to it.
-    settings().removeKey(idsKey(name));
+    removeSetting(idsKey(name));
 
-    const VeskField stored = settings().readGlobalSetting(listField(sortersKey()));
+    const VeskField stored = readSetting(listField(sortersKey()));
     QStringList names = stored.getComboBoxIds();
     names.removeAll(name);
     writeMethodNames(stored, names);
@@ -159,7 +176,7 @@ void VeskRosterSortersManager::removeSorter(const QString &name)
 
 void VeskRosterSortersManager::setSorterAscending(const QString &name, const QStringList &flags)
 {
-    settings().writeGlobalSetting(listField(flagsKey(name), flags));
+    writeSetting(listField(flagsKey(name), flags));
 }
 
 VeskRosterSorter *VeskRosterSortersManager::createSorter(const QString &id)

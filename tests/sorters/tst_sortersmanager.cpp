@@ -45,6 +45,7 @@ private slots:
     void createSorterKnowsExactlyTheFourIds();
     void comparatorNamesAreTranslatedSourceTexts();
     void methodsAreStoredUnderTheHostsKeys();
+    void withoutThePrivateSettingsFrontEndNothingIsStored();
     void chainReadsEachComparatorThroughItsFlag();
     void addingAMethodTwiceListsItOnceWithTheLatestIds();
     void removeSorterKeepsDirectionsDefaultAndCurrentChain();
@@ -185,6 +186,24 @@ void tst_SortersManager::methodsAreStoredUnderTheHostsKeys()
     QCOMPARE(storedList(QStringLiteral("sorter_")), QStringList({ QStringLiteral("presence") }));
     QCOMPARE(storedText(QStringLiteral("default_sorter")), QStringLiteral("by chats"));
     QCOMPARE(restart()->getDefault(), QStringLiteral("by chats"));
+}
+
+void tst_SortersManager::withoutThePrivateSettingsFrontEndNothingIsStored()
+{
+    VeskSettingsManagerPrivate *const frontEnd
+        = VeskSettingsManagerPrivate::settingsMgrPrivInstance;
+    VeskSettingsManagerPrivate::settingsMgrPrivInstance = nullptr;
+    VeskRosterSortersManager *manager = VeskRosterSortersManager::getInstance();
+    manager->addSorter(QStringLiteral("m"), { QStringLiteral("name") });
+    manager->setSorterAscending(QStringLiteral("m"), { QStringLiteral("t") });
+    manager->setDefault(QStringLiteral("m"));
+    manager->removeSorter(QStringLiteral("m"));
+    const QStringList seen = manager->getSorters() + manager->getSorters(QStringLiteral("m"));
+    VeskSettingsManagerPrivate::settingsMgrPrivInstance = frontEnd;
+
+    QCOMPARE(seen, QStringList());
+    QCOMPARE(storedText(QStringLiteral("default_sorter")), QString());
+    QCOMPARE(storedList(QStringLiteral("sorters")), QStringList());
 }
 
 void tst_SortersManager::chainReadsEachComparatorThroughItsFlag()
