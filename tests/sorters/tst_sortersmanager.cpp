@@ -11,6 +11,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <memory>
 
 using namespace SortersFixture;
 
@@ -66,26 +67,26 @@ private:
     // (t/f), so one comparison shows every answer.
     QString answers(const QList<QPair<VeskBuddy, VeskBuddy>> &pairs) const;
 
-    QTemporaryDir dir;
+    std::unique_ptr<QTemporaryDir> dir;
 };
 
 void tst_SortersManager::init()
 {
     VeskStandIn::resetRoster();
-    QVERIFY(dir.isValid());
-    QFile::remove(dir.filePath(QStringLiteral("settings.json")));
-    VeskStandIn::setSettingsDir(dir.path());
+    dir.reset(new QTemporaryDir);
+    QVERIFY(dir->isValid());
+    VeskStandIn::setSettingsDir(dir->path());
 }
 
 void tst_SortersManager::cleanup()
 {
-    destroyManagers(dir.path());
+    destroyManagers(dir->path());
     VeskStandIn::resetRoster();
 }
 
 VeskRosterSortersManager *tst_SortersManager::restart()
 {
-    destroyManagers(dir.path());
+    destroyManagers(dir->path());
     return VeskRosterSortersManager::getInstance();
 }
 
