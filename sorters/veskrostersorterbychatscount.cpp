@@ -23,7 +23,6 @@ VeskRosterSorterByChatsCount::VeskRosterSorterByChatsCount() = default;
 
 VeskRosterSorterByChatsCount::~VeskRosterSorterByChatsCount() = default;
 
-// Positive when b has more chats than a.
 int VeskRosterSorterByChatsCount::lessThan(const VeskBuddy &a, const VeskBuddy &b) const
 {
     return VeskSorterDetail::difference(chatsCount(b), chatsCount(a));

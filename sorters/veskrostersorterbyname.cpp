@@ -35,9 +35,6 @@ VeskRosterSorterByName::VeskRosterSorterByName() = default;
 
 VeskRosterSorterByName::~VeskRosterSorterByName() = default;
 
-// Positive when a sorts after b. Two groups with positions are ordered by
-// position, and then only "a after b" is ever reported: a smaller or equal
-// position gives 0, never a negative value.
 int VeskRosterSorterByName::lessThan(const VeskBuddy &a, const VeskBuddy &b) const
 {
     if (a.getType() == VeskBuddy::TypeGroup && b.getType() == VeskBuddy::TypeGroup) {

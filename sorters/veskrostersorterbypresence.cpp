@@ -20,9 +20,6 @@ VeskRosterSorterByPresence::VeskRosterSorterByPresence() = default;
 
 VeskRosterSorterByPresence::~VeskRosterSorterByPresence() = default;
 
-// Positive when a's presence carries flag 5 and b's does not; negative in the
-// reverse case; otherwise positive when b's subscription has the higher
-// priority. Presence priorities play no part.
 int VeskRosterSorterByPresence::lessThan(const VeskBuddy &a, const VeskBuddy &b) const
 {
     using namespace VeskSorterDetail;

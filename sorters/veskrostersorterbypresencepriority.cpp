@@ -6,8 +6,6 @@ VeskRosterSorterByPresencePriority::VeskRosterSorterByPresencePriority() = defau
 
 VeskRosterSorterByPresencePriority::~VeskRosterSorterByPresencePriority() = default;
 
-// Positive when b's presence has the higher priority; 0 when either entry is
-// neither a contact nor a temporary contact.
 int VeskRosterSorterByPresencePriority::lessThan(const VeskBuddy &a, const VeskBuddy &b) const
 {
     using namespace VeskSorterDetail;
