@@ -21,6 +21,7 @@ private slots:
     void pickingAnotherFilterAppliesItsMethod();
     void methodGivenToTheCurrentStackIsRestoredFromItsFile();
     void defaultFilterRestoresTheDefaultMethodOnRestart();
+    void methodMadeCurrentBeforeTheFiltersManagerExistsStays();
 
 private:
     void restart() { destroyManagers(dir->path()); }
@@ -99,14 +100,27 @@ void tst_SortersIntegration::methodGivenToTheCurrentStackIsRestoredFromItsFile()
 
 void tst_SortersIntegration::defaultFilterRestoresTheDefaultMethodOnRestart()
 {
-    QCOMPARE(VeskRosterFiltersManager::getInstance()->getCurrentFilterName(),
-             QStringLiteral("default"));
+    QCOMPARE(
+        VeskRosterFiltersManager::getInstance()->getCurrentFilterName(), QStringLiteral("default"));
     VeskRosterSortersManager::getInstance()->setCurrentSorter(QStringLiteral("by name"));
 
     restart();
     VeskRosterFiltersManager::getInstance();
     QCOMPARE(VeskRosterSortersManager::getInstance()->getDefault(), QStringLiteral("by name"));
     QCOMPARE(answers(), QStringLiteral("ft"));
+}
+
+// The filters manager, created by this first call, makes the default method
+// current on its own start-up; the method asked for must still win.
+void tst_SortersIntegration::methodMadeCurrentBeforeTheFiltersManagerExistsStays()
+{
+    VeskRosterSortersManager *sorters = VeskRosterSortersManager::getInstance();
+    sorters->setDefault(QStringLiteral("by chats"));
+    QVERIFY(!VeskRosterFiltersManager::instance);
+
+    sorters->setCurrentSorter(QStringLiteral("by name"));
+    QCOMPARE(answers(), QStringLiteral("ft"));
+    QCOMPARE(sorters->getDefault(), QStringLiteral("by name"));
 }
 
 QTEST_GUILESS_MAIN(tst_SortersIntegration)
