@@ -63,7 +63,8 @@ VeskCommandLine VeskCommandLine::parse(const QStringList &arguments)
     }
     // A bare invocation shows the roster, so that the program shows something
     // useful on a fresh machine.
-    line.command = i < arguments.size() ? arguments.at(i) : QStringLiteral("show");
+    line.hasCommand = i < arguments.size();
+    line.command = line.hasCommand ? arguments.at(i) : QStringLiteral("show");
     line.args = arguments.mid(i + 1);
     // Listings also take --json after the command, where people tend to type it.
     if (line.args.removeAll(QStringLiteral("--json")) > 0) {

@@ -15,6 +15,7 @@ public:
     QString rosterFile; // empty: the bundled sample roster
     bool json = false;
     bool help = false;
+    bool hasCommand = false; // false: "show", the default
     QString command;
     QStringList args;
 };

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class VeskRosterFiltersManager;
 class VeskRosterFiltersStack;

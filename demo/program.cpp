@@ -48,7 +48,7 @@ int VeskRosterProgram::run(const QStringList &arguments)
     const VeskOutput out;
     try {
         const VeskCommandLine line = VeskCommandLine::parse(arguments);
-        if (line.help && arguments.indexOf(line.command) < 0) {
+        if (line.help && !line.hasCommand) {
             out.print(VeskCommands::usage());
             return 0;
         }

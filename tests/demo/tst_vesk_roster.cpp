@@ -69,6 +69,44 @@ QVector<SampleEntry> sampleEntries()
     return entries;
 }
 
+// What `show --json` is to say about each sample contact, keyed by display
+// name, worked out from the roster document.
+QMap<QString, QJsonObject> sampleEntryObjects()
+{
+    const QJsonObject roster = QJsonDocument::fromJson(VeskRosterFile::sampleRoster()).object();
+    const QJsonArray accounts = roster.value(QLatin1String("accounts")).toArray();
+    QMap<QString, QJsonObject> objects;
+    const QJsonArray contacts = roster.value(QLatin1String("contacts")).toArray();
+    for (const QJsonValue &value : contacts) {
+        const QJsonObject contact = value.toObject();
+        const bool temporary = contact.value(QLatin1String("temporary")).toBool();
+        const QJsonObject presence = contact.value(QLatin1String("presence")).toObject();
+        const QJsonValue account = contact.value(QLatin1String("account"));
+        const QJsonObject accountObject = accounts.at(account.toInt()).toObject();
+        const QJsonValue chats = contact.value(QLatin1String("chats_count"));
+        const bool integer = !temporary && chats.isDouble() && chats.toDouble() == chats.toInt();
+        objects.insert(contact.value(QLatin1String("display")).toString(),
+            QJsonObject {
+                { QStringLiteral("display"), contact.value(QLatin1String("display")) },
+                { QStringLiteral("kind"),
+                    temporary ? QStringLiteral("temporary") : QStringLiteral("contact") },
+                { QStringLiteral("group"),
+                    contact.contains(QLatin1String("group")) ? contact.value(QLatin1String("group"))
+                                                             : QJsonValue() },
+                { QStringLiteral("account"),
+                    account.isDouble() ? QJsonValue(
+                        accountObject.value(QLatin1String("uid")).toString() + QLatin1Char('@')
+                        + accountObject.value(QLatin1String("protocol")).toString())
+                                       : QJsonValue() },
+                { QStringLiteral("presence"), presence.value(QLatin1String("id")) },
+                { QStringLiteral("description"),
+                    presence.value(QLatin1String("description")).toString() },
+                { QStringLiteral("chats_count"), integer ? chats : QJsonValue() },
+            });
+    }
+    return objects;
+}
+
 // The sample's groups by ascending position.
 QStringList sampleGroupsByPosition()
 {
@@ -363,6 +401,18 @@ void tst_VeskRoster::sampleRosterShowsWithNoArguments()
     const Result json = runIn(QString(), A({ "--json", "show" }));
     QVERIFY2(json.status == 0, qPrintable(json.err));
     QCOMPARE(json.json().value(QLatin1String("filter")).toString(), QStringLiteral("default"));
+    QMap<QString, QJsonObject> shownObjects;
+    auto collect = [&](const QJsonArray &entries) {
+        for (const QJsonValue &entry : entries) {
+            shownObjects.insert(
+                entry.toObject().value(QLatin1String("display")).toString(), entry.toObject());
+        }
+    };
+    const QJsonArray groups = json.json().value(QLatin1String("groups")).toArray();
+    for (const QJsonValue &group : groups)
+        collect(group.toObject().value(QLatin1String("entries")).toArray());
+    collect(json.json().value(QLatin1String("ungrouped")).toArray());
+    QCOMPARE(shownObjects, sampleEntryObjects());
     QCOMPARE(shownRoster(json.json()),
         expectedRoster(
             sample, sampleGroupsByPosition(), [](const SampleEntry &x, const SampleEntry &y) {
