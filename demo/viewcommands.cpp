@@ -269,7 +269,8 @@ void kinds(VeskCommandContext &context)
         json.value(manager->getFilterName(kind));
         json.key("fields");
         json.beginArray();
-        table.addHeading(vtr("%1 (%2)").arg(kind, manager->getFilterName(kind)));
+        const QString kindName = manager->getFilterName(kind);
+        table.addHeading(kindName == kind ? kind : vtr("%1 (%2)").arg(kind, kindName));
         for (const VeskField &field : fields) {
             const bool combo = field.getKind() == VeskField::ComboBox;
             const QString value = combo ? field.getSelectedId() : field.getText();
@@ -303,7 +304,7 @@ void kinds(VeskCommandContext &context)
             table.addRow(
                 { Cell(field.getId(), VeskTextTable::Bold),
                     Cell(combo ? vtr("combo box") : vtr("line edit")),
-                    Cell(vtr("now \"%1\"").arg(value)),
+                    Cell(vtr("value \"%1\"").arg(value)),
                     Cell(combo ? vtr("items: %1")
                                      .arg(items.isEmpty() ? vtr("(none)")
                                                           : items.join(QLatin1String(", ")))
