@@ -25,7 +25,7 @@ void read(
     }
 }
 
-bool compile(
+void compile(
     const QString &conditionId, const QString &text, bool withNotEmpty, int *mode, QString *needle)
 {
     if (conditionId == containsId)
@@ -37,9 +37,8 @@ bool compile(
     else if (withNotEmpty && conditionId == notEmptyId)
         *mode = NotEmpty;
     else
-        return false;
+        return;
     *needle = *mode == NotEmpty ? QString() : text;
-    return true;
 }
 
 QList<VeskField> configuration(

@@ -15,6 +15,7 @@
 // every character of the text literal, each of these is a plain string
 // operation; the roster view asks for every entry on every presence change, so
 // the test runs without a regular expression and without allocating.
+// "does not contain" passes exactly what "contains" does not.
 namespace VeskTextCondition {
 
 enum Mode : int {
@@ -45,9 +46,9 @@ void read(const QList<VeskField> &fields, const QString &textFieldId, QString *c
     QString *text);
 
 // Compiles a condition into *mode and *needle. An unknown condition id, the
-// empty one included, changes nothing and answers false: the previous test
-// stays in force. "is not empty" is known only when withNotEmpty is set.
-bool compile(
+// empty one included, changes nothing: the previous test stays in force.
+// "is not empty" is known only when withNotEmpty is set.
+void compile(
     const QString &conditionId, const QString &text, bool withNotEmpty, int *mode, QString *needle);
 
 // The condition combo box, then the line edit.
