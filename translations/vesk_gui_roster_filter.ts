@@ -78,5 +78,40 @@
         <comment>nc</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>presence</source>
+        <comment>filter name</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>presence %1 %2</source>
+        <comment>roster filter</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>presence</source>
+        <comment>nc</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>display</source>
+        <comment>nc</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>protocol</source>
+        <comment>nc</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>account</source>
+        <comment>nc</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>description</source>
+        <comment>nc</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -51,12 +51,12 @@
     <message>
         <source>presence</source>
         <comment>filter name</comment>
-        <translation type="vanished">Status</translation>
+        <translation>Status</translation>
     </message>
     <message>
         <source>presence %1 %2</source>
         <comment>roster filter</comment>
-        <translation type="vanished">Status %1 %2</translation>
+        <translation>Status %1 %2</translation>
     </message>
     <message>
         <source>contains</source>
@@ -91,27 +91,27 @@
     <message>
         <source>presence</source>
         <comment>nc</comment>
-        <translation type="vanished">Status</translation>
+        <translation>Status</translation>
     </message>
     <message>
         <source>display</source>
         <comment>nc</comment>
-        <translation type="vanished">Anzeigename</translation>
+        <translation>Anzeigename</translation>
     </message>
     <message>
         <source>protocol</source>
         <comment>nc</comment>
-        <translation type="vanished">Protokoll</translation>
+        <translation>Protokoll</translation>
     </message>
     <message>
         <source>account</source>
         <comment>nc</comment>
-        <translation type="vanished">Konto</translation>
+        <translation>Konto</translation>
     </message>
     <message>
         <source>description</source>
         <comment>nc</comment>
-        <translation type="vanished">Beschreibung</translation>
+        <translation>Beschreibung</translation>
     </message>
     <message>
         <source>name</source>
