@@ -113,5 +113,25 @@
         <comment>nc</comment>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>name</source>
+        <comment>sorting method</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>presence</source>
+        <comment>sorting method</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>presence priority</source>
+        <comment>sorting method</comment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>chats count</source>
+        <comment>sorting method</comment>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

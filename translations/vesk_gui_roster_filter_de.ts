@@ -116,22 +116,22 @@
     <message>
         <source>name</source>
         <comment>sorting method</comment>
-        <translation type="vanished">Name</translation>
+        <translation>Name</translation>
     </message>
     <message>
         <source>presence</source>
         <comment>sorting method</comment>
-        <translation type="vanished">Status</translation>
+        <translation>Status</translation>
     </message>
     <message>
         <source>presence priority</source>
         <comment>sorting method</comment>
-        <translation type="vanished">Statuspriorität</translation>
+        <translation>Statuspriorität</translation>
     </message>
     <message>
         <source>chats count</source>
         <comment>sorting method</comment>
-        <translation type="vanished">Anzahl der Chats</translation>
+        <translation>Anzahl der Chats</translation>
     </message>
 </context>
 </TS>
