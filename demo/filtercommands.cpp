@@ -14,7 +14,6 @@
 #include <veskrostersortersmanager.h>
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <memory>
 #include <vector>
@@ -38,22 +37,23 @@ VeskFilterBuilder builderFor(const VeskCommandContext &context)
         context.session->filters(), [out](const QString &message) { out->warn(message); });
 }
 
-// Filter names are file names in the stack-file directory, unchanged.
+// Any other name will do: the library makes a file name of any text.
 void checkNewName(const VeskLibrarySession &session, const QString &name, const QString &hint)
 {
     if (name.isEmpty())
         refuse(vtr("a filter name cannot be empty"));
     if (session.isRegistered(name))
         refuse(vtr("a filter named \"%1\" already exists; %2").arg(name, hint));
-    if (name.contains(QLatin1Char('/')))
-        refuse(vtr("filter names are file names and cannot contain \"/\": \"%1\"").arg(name));
-    if (name.startsWith(QLatin1Char('.'))) {
-        refuse(vtr("filter names cannot start with \".\": the filter's file would be hidden, and "
-                   "hidden files are not loaded: \"%1\"")
-                   .arg(name));
-    }
-    if (name.toUtf8().size() > 255)
-        refuse(vtr("filter names are file names and cannot be longer than 255 bytes"));
+}
+
+VeskRosterFiltersStack *addStack(
+    VeskLibrarySession &session, const QString &name, VeskRosterFilter::RosterFilterType type)
+{
+    VeskRosterFiltersStack *stack = session.filters()->addStackFilter(name, type);
+    if (!stack)
+        refuse(vtr("the library did not create the filter \"%1\"").arg(name));
+    session.adopt(stack);
+    return stack;
 }
 
 std::vector<std::unique_ptr<VeskRosterFilter>> buildConditions(
@@ -198,8 +198,7 @@ void newFilter(VeskCommandContext &context)
     }
     auto children = buildConditions(builderFor(context), context.args.mid(2));
 
-    VeskRosterFiltersStack *stack = session.filters()->addStackFilter(name, type);
-    session.adopt(stack);
+    VeskRosterFiltersStack *stack = addStack(session, name, type);
     for (auto &child : children)
         stack->appendFilter(child.release());
     stack->writeFilterSettings();
@@ -295,24 +294,14 @@ void rename(VeskCommandContext &context)
     VeskLibrarySession &session = *context.session;
     const QString oldId = context.args.at(0);
     const QString newId = context.args.at(1);
-    session.editableStack(oldId);
+    VeskRosterFiltersStack *stack = session.editableStack(oldId);
     checkNewName(session, newId, vtr("choose another name"));
 
-    const QString oldPath = session.stackFilePath(oldId);
-    const QString newPath = session.stackFilePath(newId);
-    if (!QFileInfo::exists(oldPath))
-        refuse(vtr("the file of \"%1\" is missing (%2); nothing to rename").arg(oldId, oldPath));
-    VeskRosterFiltersStack *stack = session.filters()->getStackFilter(oldId);
     QStringList order = session.filters()->getFilterNames();
+    // The library moves the stack's file with it; the filter is not re-written.
     session.filters()->rename(oldId, newId);
     if (session.filters()->getStackFilter(newId) != stack)
         refuse(vtr("the library did not rename \"%1\" to \"%2\"").arg(oldId, newId));
-    // The file moves as it is: renaming does not re-write the filter. The
-    // library may have moved it already.
-    if (QFileInfo::exists(oldPath) && !QFileInfo::exists(newPath)
-        && !QFile::rename(oldPath, newPath)) {
-        refuse(vtr("cannot move \"%1\" to \"%2\"").arg(oldPath, newPath));
-    }
     // The filter keeps its place, under its new name.
     for (QString &id : order) {
         if (id == oldId)
@@ -413,8 +402,7 @@ void importFilter(VeskCommandContext &context)
         session.release(existing);
         delete existing;
     }
-    VeskRosterFiltersStack *stack = session.filters()->addStackFilter(name, definition.type);
-    session.adopt(stack);
+    VeskRosterFiltersStack *stack = addStack(session, name, definition.type);
     for (auto &child : definition.children)
         stack->appendFilter(child.release());
     stack->setAdvancedMode(definition.advanced);

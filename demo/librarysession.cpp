@@ -92,12 +92,6 @@ void VeskLibrarySession::release(VeskRosterFiltersStack *stack)
     stacks.removeAll(stack);
 }
 
-QString VeskLibrarySession::stackFilePath(const QString &id) const
-{
-    return VeskSettingsManager::getInstance()->getSettingsDir() + QLatin1String("roster_filters/")
-        + id;
-}
-
 void VeskLibrarySession::storeDisplayOrder(const QStringList &order) const
 {
     VeskSettingsManager::getInstance()->writeGlobalSetting(VeskField::comboBox(

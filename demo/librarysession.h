@@ -34,7 +34,6 @@ public:
     // A stack the manager no longer registers; the caller deletes it.
     void release(VeskRosterFiltersStack *stack);
 
-    QString stackFilePath(const QString &id) const;
     // Stores the display order; the manager itself stores it only when a
     // filter moves up or down.
     void storeDisplayOrder(const QStringList &order) const;
