@@ -1,3 +1,4 @@
+#include "../veskentrykind_p.h"
 #include "veskchoicecondition_p.h"
 
 #include <veskaccount.h>
@@ -43,9 +44,9 @@ QList<VeskField> configuration(
 VeskAccountConnection *accountOf(const VeskBuddy &buddy)
 {
     switch (buddy.getType()) {
-    case VeskBuddy::TypeContact:
+    case VeskEntryKind::Contact:
         return VeskBuddyContact(buddy).getAccount();
-    case VeskBuddy::TypeTemporary:
+    case VeskEntryKind::Temporary:
         return VeskBuddyTemporary(buddy).getAccount();
     default:
         return nullptr;

@@ -1,4 +1,5 @@
 #include "veskgroupfilter.h"
+#include "../veskentrykind_p.h"
 
 #include "veskchoicecondition_p.h"
 
@@ -12,9 +13,9 @@ namespace {
 QString groupOf(const VeskBuddy &buddy)
 {
     switch (buddy.getType()) {
-    case VeskBuddy::TypeContact:
+    case VeskEntryKind::Contact:
         return VeskBuddyContact(buddy).getParent().getDisplay();
-    case VeskBuddy::TypeTemporary:
+    case VeskEntryKind::Temporary:
         return VeskBuddyTemporary(buddy).getGroup().getDisplay();
     default:
         return QString();

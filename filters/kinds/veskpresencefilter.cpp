@@ -1,4 +1,5 @@
 #include "veskpresencefilter.h"
+#include "../veskentrykind_p.h"
 
 #include <veskbuddy.h>
 #include <veskpresence.h>
@@ -38,10 +39,10 @@ bool VeskPresenceFilter::filter(const VeskBuddy &buddy) const
 {
     QString entryPresence;
     switch (buddy.getType()) {
-    case VeskBuddy::TypeContact:
+    case VeskEntryKind::Contact:
         entryPresence = VeskBuddyContact(buddy).getPresence().getId();
         break;
-    case VeskBuddy::TypeTemporary:
+    case VeskEntryKind::Temporary:
         entryPresence = VeskBuddyTemporary(buddy).getPresence().getId();
         break;
     default:
