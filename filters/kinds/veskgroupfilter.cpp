@@ -61,8 +61,9 @@ bool VeskGroupFilter::filter(const VeskBuddy &buddy) const
 
 QList<VeskField> VeskGroupFilter::getConfiguration() const
 {
-    return VeskChoiceCondition::configuration(positive, QStringLiteral("group_filter_presence"),
-        VeskRoster::getInstance()->getGroupsNames(), groupName);
+    const QStringList groups = VeskRoster::getInstance()->getGroupsNames();
+    return VeskChoiceCondition::configuration(
+        positive, QStringLiteral("group_filter_presence"), groups, groups, groupName);
 }
 
 void VeskGroupFilter::setConfiguration(const QList<VeskField> &fields)
