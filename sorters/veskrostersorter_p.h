@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../filters/veskentrykind_p.h"
 #include <veskbuddy.h>
 #include <veskpresence.h>
 
@@ -22,12 +23,12 @@ inline int difference(int later, int earlier)
 // Only contacts and temporary contacts have a presence the comparators rank.
 inline bool hasPresence(int type)
 {
-    return type == VeskBuddy::TypeContact || type == VeskBuddy::TypeTemporary;
+    return type == VeskEntryKind::Contact || type == VeskEntryKind::Temporary;
 }
 
 inline VeskPresence presenceOf(const VeskBuddy &buddy, int type)
 {
-    return type == VeskBuddy::TypeContact ? VeskBuddyContact(buddy).getPresence()
+    return type == VeskEntryKind::Contact ? VeskBuddyContact(buddy).getPresence()
                                           : VeskBuddyTemporary(buddy).getPresence();
 }
 

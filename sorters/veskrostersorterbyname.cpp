@@ -1,4 +1,5 @@
 #include "veskrostersorterbyname.h"
+#include "../filters/veskentrykind_p.h"
 
 #include <veskbuddy.h>
 
@@ -37,7 +38,7 @@ VeskRosterSorterByName::~VeskRosterSorterByName() = default;
 
 int VeskRosterSorterByName::lessThan(const VeskBuddy &a, const VeskBuddy &b) const
 {
-    if (a.getType() == VeskBuddy::TypeGroup && b.getType() == VeskBuddy::TypeGroup) {
+    if (a.getType() == VeskEntryKind::Group && b.getType() == VeskEntryKind::Group) {
         const int posA = VeskBuddyGroup(a).getPos();
         const int posB = VeskBuddyGroup(b).getPos();
         if (posA != 0 || posB != 0)

@@ -1,4 +1,5 @@
 #include "veskrostersorterbypresence.h"
+#include "../filters/veskentrykind_p.h"
 
 #include "veskrostersorter_p.h"
 
@@ -10,7 +11,7 @@ constexpr int SetApartFlag = 5;
 // A temporary contact has no subscription; it ranks as priority 0.
 int subscriptionPriority(const VeskBuddy &buddy, int type)
 {
-    return type == VeskBuddy::TypeContact ? VeskBuddyContact(buddy).getSubscription().getPriority()
+    return type == VeskEntryKind::Contact ? VeskBuddyContact(buddy).getSubscription().getPriority()
                                           : 0;
 }
 

@@ -60,8 +60,10 @@ bool VeskAccountFilter::filter(const VeskBuddy &buddy) const
 
 QList<VeskField> VeskAccountFilter::getConfiguration() const
 {
-    return VeskChoiceCondition::configuration(positive, QStringLiteral("account_filter_presence"),
-        VeskChoiceCondition::distinctAccountTexts(VeskChoiceCondition::AccountIdentity), accountId);
+    const QStringList accounts
+        = VeskChoiceCondition::distinctAccountTexts(VeskChoiceCondition::AccountIdentity);
+    return VeskChoiceCondition::configuration(
+        positive, QStringLiteral("account_filter_presence"), accounts, accounts, accountId);
 }
 
 void VeskAccountFilter::setConfiguration(const QList<VeskField> &fields)

@@ -1,3 +1,4 @@
+#include "../veskentrykind_p.h"
 #include "veskchoicecondition_p.h"
 
 #include <veskaccount.h>
@@ -14,7 +15,8 @@ namespace {
     const QString isNotId = QStringLiteral("is not");
 } // namespace
 
-void read(const QList<VeskField> &fields, QString *value, bool *positive, QString *conditionLabel)
+void read(const QList<VeskField> &fields, QString *value, bool *positive, QString *conditionLabel,
+    QString *valueLabel)
 {
     for (const VeskField &field : fields) {
         if (field.getId() == conditionFieldId) {
@@ -22,12 +24,14 @@ void read(const QList<VeskField> &fields, QString *value, bool *positive, QStrin
             *positive = field.getSelectedId() == isId;
         } else {
             *value = field.getSelectedId();
+            if (valueLabel)
+                *valueLabel = field.getSelectedLabel();
         }
     }
 }
 
-QList<VeskField> configuration(
-    bool positive, const QString &valueFieldId, const QStringList &items, const QString &value)
+QList<VeskField> configuration(bool positive, const QString &valueFieldId, const QStringList &ids,
+    const QStringList &labels, const QString &value)
 {
     const QStringList conditionLabels {
         QCoreApplication::translate("translation", "is", "nc"),
@@ -36,16 +40,16 @@ QList<VeskField> configuration(
     return {
         VeskField::comboBox(QString(), conditionFieldId, { isId, isNotId }, conditionLabels,
             positive ? isId : isNotId, QString()),
-        VeskField::comboBox(QString(), valueFieldId, items, items, value, QString()),
+        VeskField::comboBox(QString(), valueFieldId, ids, labels, value, QString()),
     };
 }
 
 VeskAccountConnection *accountOf(const VeskBuddy &buddy)
 {
     switch (buddy.getType()) {
-    case VeskBuddy::TypeContact:
+    case VeskEntryKind::Contact:
         return VeskBuddyContact(buddy).getAccount();
-    case VeskBuddy::TypeTemporary:
+    case VeskEntryKind::Temporary:
         return VeskBuddyTemporary(buddy).getAccount();
     default:
         return nullptr;

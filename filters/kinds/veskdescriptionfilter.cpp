@@ -1,4 +1,5 @@
 #include "veskdescriptionfilter.h"
+#include "../veskentrykind_p.h"
 
 #include "vesktextcondition_p.h"
 
@@ -38,7 +39,7 @@ QString VeskDescriptionFilter::display() const
 
 bool VeskDescriptionFilter::filter(const VeskBuddy &buddy) const
 {
-    if (buddy.getType() != VeskBuddy::TypeContact)
+    if (buddy.getType() != VeskEntryKind::Contact)
         return false;
     return VeskTextCondition::matches(
         matchMode, matchText, VeskBuddyContact(buddy).getPresence().getDescription());

@@ -1,4 +1,5 @@
 #include "veskgroupfilter.h"
+#include "../veskentrykind_p.h"
 
 #include "veskchoicecondition_p.h"
 
@@ -12,9 +13,9 @@ namespace {
 QString groupOf(const VeskBuddy &buddy)
 {
     switch (buddy.getType()) {
-    case VeskBuddy::TypeContact:
+    case VeskEntryKind::Contact:
         return VeskBuddyContact(buddy).getParent().getDisplay();
-    case VeskBuddy::TypeTemporary:
+    case VeskEntryKind::Temporary:
         return VeskBuddyTemporary(buddy).getGroup().getDisplay();
     default:
         return QString();
@@ -60,8 +61,9 @@ bool VeskGroupFilter::filter(const VeskBuddy &buddy) const
 
 QList<VeskField> VeskGroupFilter::getConfiguration() const
 {
-    return VeskChoiceCondition::configuration(positive, QStringLiteral("group_filter_presence"),
-        VeskRoster::getInstance()->getGroupsNames(), groupName);
+    const QStringList groups = VeskRoster::getInstance()->getGroupsNames();
+    return VeskChoiceCondition::configuration(
+        positive, QStringLiteral("group_filter_presence"), groups, groups, groupName);
 }
 
 void VeskGroupFilter::setConfiguration(const QList<VeskField> &fields)

@@ -44,8 +44,10 @@ bool VeskProtocolFilter::filter(const VeskBuddy &buddy) const
 
 QList<VeskField> VeskProtocolFilter::getConfiguration() const
 {
-    return VeskChoiceCondition::configuration(positive, QStringLiteral("protocol_filter_presence"),
-        VeskChoiceCondition::distinctAccountTexts(VeskChoiceCondition::ProtocolName), protocolName);
+    const QStringList protocols
+        = VeskChoiceCondition::distinctAccountTexts(VeskChoiceCondition::ProtocolName);
+    return VeskChoiceCondition::configuration(
+        positive, QStringLiteral("protocol_filter_presence"), protocols, protocols, protocolName);
 }
 
 void VeskProtocolFilter::setConfiguration(const QList<VeskField> &fields)
