@@ -425,6 +425,9 @@ void tst_VeskRoster::exportThenImportReproducesAFilter()
     RUN_OK(exported, A({ "export", "odd" }));
     RUN_OK(imported, A({ "import", "-", "--as", "copy" }), exported.out.toUtf8());
     QJsonObject expected = parse(exported.out);
+    QVERIFY2(expected.value(QLatin1String("advanced")) == true
+            && expected.value(QLatin1String("sorter")) == QLatin1String("byname"),
+        qPrintable(exported.out));
     expected.insert(QStringLiteral("name"), QStringLiteral("copy"));
     QCOMPARE(parse(run(A({ "export", "copy" })).out), expected);
     const QString byOriginal = shown();
