@@ -70,13 +70,13 @@ QString shownRoster(const QJsonObject &show)
     auto names = [](const QJsonValue &entries) {
         QStringList list;
         for (const QJsonValue &entry : entries.toArray())
-            list.append(entry.toObject().value(QLatin1String("display")).toString());
+            list.append(entry[QLatin1String("display")].toString());
         return list.join(QLatin1String(", "));
     };
     QStringList parts;
     for (const QJsonValue &group : show.value(QLatin1String("groups")).toArray()) {
-        parts.append(group.toObject().value(QLatin1String("name")).toString() + QLatin1String(": ")
-            + names(group.toObject().value(QLatin1String("entries"))));
+        parts.append(group[QLatin1String("name")].toString() + QLatin1String(": ")
+            + names(group[QLatin1String("entries")]));
     }
     if (!show.value(QLatin1String("ungrouped")).toArray().isEmpty())
         parts.append(QLatin1String("-: ") + names(show.value(QLatin1String("ungrouped"))));
@@ -205,9 +205,8 @@ QString tst_VeskRoster::filterList() const
     const QJsonObject filters = parse(run(A({ "--json", "filters" })).out);
     QStringList ids;
     for (const QJsonValue &filter : filters.value(QLatin1String("filters")).toArray()) {
-        const QString id = filter.toObject().value(QLatin1String("id")).toString();
-        ids.append(
-            id == filters.value(QLatin1String("current")).toString() ? QLatin1Char('*') + id : id);
+        const QString id = filter[QLatin1String("id")].toString();
+        ids.append(id == filters[QLatin1String("current")].toString() ? QLatin1Char('*') + id : id);
     }
     return ids.join(QLatin1Char(' '));
 }
@@ -246,13 +245,12 @@ void tst_VeskRoster::sampleRosterShowsWithNoArguments()
     // No --settings either: the program falls back to $XDG_CONFIG_HOME/vesk-roster.
     const Result result = program(QStringList());
     QVERIFY2(result.status == 0, qPrintable(result.err));
-    const QJsonArray contacts = QJsonDocument::fromJson(VeskRosterFile::sampleRoster())
-                                    .object()
-                                    .value(QLatin1String("contacts"))
-                                    .toArray();
+    const QJsonArray contacts
+        = QJsonDocument::fromJson(VeskRosterFile::sampleRoster())[QLatin1String("contacts")]
+              .toArray();
     QVERIFY(contacts.size() >= 40);
     for (const QJsonValue &contact : contacts) {
-        const QString display = contact.toObject().value(QLatin1String("display")).toString();
+        const QString display = contact[QLatin1String("display")].toString();
         QVERIFY2(result.out.contains(display), qPrintable(display));
     }
     QVERIFY(QDir(temp->filePath(QStringLiteral("vesk-roster"))).exists());
@@ -279,7 +277,6 @@ void tst_VeskRoster::showListsTheRosterInTheBuiltInOrder()
          "presence": "offline", "description": "", "chats_count": 7}]}],
       "ungrouped": [{"display": "Dave", "kind": "contact", "group": null, "account": null,
          "presence": "offline", "description": "", "chats_count": null}]})"));
-    QVERIFY(!expected.isEmpty());
     const Result result = run(A({ "--json", "show" }));
     QVERIFY2(result.status == 0, qPrintable(result.err));
     QCOMPARE(parse(result.out), expected);
