@@ -433,10 +433,8 @@ void tst_VeskRoster::exportThenImportReproducesAFilter()
 
     // The same through a file, under the definition's own name.
     expected.insert(QStringLiteral("name"), QStringLiteral("from-file"));
-    writeFile(temp->filePath(QStringLiteral("definition.json")), QJsonDocument(expected).toJson());
-    RUN_OK(fromFile,
-        QStringList {
-            QStringLiteral("import"), temp->filePath(QStringLiteral("definition.json")) });
+    writeFile(fixture.filePath(QStringLiteral("from-file.json")), QJsonDocument(expected).toJson());
+    RUN_OK(fromFile, A({ "import", "from-file.json" }));
     // A group that is not in the roster is kept, with a warning.
     QVERIFY2(fromFile.err.contains(QLatin1String("No such group")), qPrintable(fromFile.err));
     QCOMPARE(parse(run(A({ "export", "from-file" })).out), expected);
