@@ -10,6 +10,7 @@
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskrostersortersmanager.h>
+#include <vesksettingsmanager.h>
 
 #include <QFile>
 #include <QSet>
@@ -67,6 +68,26 @@ public:
             qDeleteAll(owned);
         }
         delete VeskRosterSortersManager::instance;
+    }
+
+    // A global setting as the host stores it; the fallback shows an unset key.
+    static QStringList storedList(const QString &key, const QString &fallback = QStringLiteral("-"))
+    {
+        return VeskSettingsManager::getInstance()
+            ->readGlobalSetting(
+                VeskField::comboBox(QString(), key, { fallback }, {}, QString(), QString()))
+            .getComboBoxIds();
+    }
+    static QString storedText(const QString &key, const QString &fallback = QStringLiteral("-"))
+    {
+        return VeskSettingsManager::getInstance()
+            ->readGlobalSetting(VeskField::lineEdit(QString(), key, fallback, 32767, QString()))
+            .getText();
+    }
+    static void store(const QString &key, const QStringList &ids)
+    {
+        VeskSettingsManager::getInstance()->writeGlobalSetting(
+            VeskField::comboBox(QString(), key, ids, {}, QString(), QString()));
     }
 
 private:

@@ -1,5 +1,5 @@
-// The presence filter: its items, its test by entry kind, its text, and its
-// labels after a stack file round trip.
+// The presence filter: its items, its configuration walk and its labels after
+// a stack file round trip (which entries it passes is in the leaf-filter table).
 
 #include <veskfiltertestenv.h>
 #include <veskfiltertree.h>
@@ -32,8 +32,6 @@ private slots:
     void cleanup() { env.reset(); }
 
     void itemsAreUniqueByIdWithTheFirstProtocolsLabelAndPlace();
-    void filterDecidesByEntryKind_data();
-    void filterDecidesByEntryKind();
     void configurationTakesTheLastFieldOfEachKindAndOnlyExactlyIsMeansIs();
     void labelsComeFromTheCurrentItemsAfterReadingAFile();
 
@@ -59,53 +57,6 @@ void tst_VeskPresenceFilter::itemsAreUniqueByIdWithTheFirstProtocolsLabelAndPlac
         QStringLiteral("is_or_not=[is,is not|is,is not] is not; presence_filter_presence="
                        "[online,away,dnd,Online|Online,Away,Busy,ONLINE] away"));
     QCOMPARE(filter.display(), QStringLiteral("presence is not Away"));
-}
-
-void tst_VeskPresenceFilter::filterDecidesByEntryKind_data()
-{
-    QTest::addColumn<QString>("condition"); // empty: a new filter, which looks for ""
-    QTest::addColumn<QString>("expected"); // the entries passed
-    QTest::newRow("is away") << "is"
-                             << "contact away, temporary away";
-    QTest::newRow("is not away") << "is not"
-                                 << "contact Away, contact online, temporary online, group, kind "
-                                    "7, contact without presence";
-    QTest::newRow("new filter") << ""
-                                << "contact without presence";
-}
-
-void tst_VeskPresenceFilter::filterDecidesByEntryKind()
-{
-    QFETCH(QString, condition);
-    const auto contact = [](const QString &presence) {
-        VeskStandIn::ContactInfo info;
-        info.presence = makePresence(presence);
-        return info;
-    };
-    const QList<QPair<QString, VeskBuddy>> entries {
-        { QStringLiteral("contact away"),
-            VeskStandIn::addContact(contact(QStringLiteral("away"))) },
-        { QStringLiteral("contact Away"),
-            VeskStandIn::addContact(contact(QStringLiteral("Away"))) },
-        { QStringLiteral("contact online"),
-            VeskStandIn::addContact(contact(QStringLiteral("online"))) },
-        { QStringLiteral("temporary away"),
-            VeskStandIn::addTemporary(contact(QStringLiteral("away"))) },
-        { QStringLiteral("temporary online"),
-            VeskStandIn::addTemporary(contact(QStringLiteral("online"))) },
-        { QStringLiteral("group"), VeskStandIn::addGroup(QStringLiteral("away"), 0) },
-        { QStringLiteral("kind 7"), VeskStandIn::addEntry(7, QStringLiteral("away")) },
-        { QStringLiteral("contact without presence"), VeskStandIn::addContact({}) },
-    };
-    VeskPresenceFilter filter;
-    if (!condition.isEmpty())
-        configure(filter, { { conditionId, condition }, { presenceId, QStringLiteral("away") } });
-    QStringList passed;
-    for (const auto &entry : entries) {
-        if (filter.filter(entry.second))
-            passed << entry.first;
-    }
-    QTEST(passed.join(QStringLiteral(", ")), "expected");
 }
 
 void tst_VeskPresenceFilter::configurationTakesTheLastFieldOfEachKindAndOnlyExactlyIsMeansIs()

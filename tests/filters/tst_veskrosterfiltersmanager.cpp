@@ -19,24 +19,17 @@ const QString unset = QStringLiteral("<unset>");
 
 QString storedCurrent()
 {
-    return VeskSettingsManager::getInstance()
-        ->readGlobalSetting(VeskField::lineEdit(
-            QString(), QStringLiteral("roster_filter"), unset, 32767, QString()))
-        .getText();
+    return VeskFilterTestEnv::storedText(QStringLiteral("roster_filter"), unset);
 }
 
 QStringList storedOrder()
 {
-    return VeskSettingsManager::getInstance()
-        ->readGlobalSetting(VeskField::comboBox(
-            QString(), QStringLiteral("filters"), { unset }, {}, QString(), QString()))
-        .getComboBoxIds();
+    return VeskFilterTestEnv::storedList(QStringLiteral("filters"), unset);
 }
 
 void storeOrder(const QStringList &order)
 {
-    VeskSettingsManager::getInstance()->writeGlobalSetting(
-        VeskField::comboBox(QString(), QStringLiteral("filters"), order, {}, QString(), QString()));
+    VeskFilterTestEnv::store(QStringLiteral("filters"), order);
 }
 
 // Saves a stack with one presence leaf per name, registered with the manager.

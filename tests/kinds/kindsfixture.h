@@ -28,12 +28,16 @@ struct LabelledEntry
 // no account: contact "Bobby" in Work, known through no account, no description
 // bare:       contact with no name and no group, through carol on a protocol
 //             with an empty name, no description
+// The presences "online" and "away" are offered as "Online" and "Away".
 inline QList<LabelledEntry> buildRoster()
 {
     using namespace VeskStandIn;
     resetRoster();
     const VeskBuddy friends = addGroup(QStringLiteral("Friends"), 1);
     const VeskBuddy work = addGroup(QStringLiteral("Work"), 2);
+    addProtocol(QStringLiteral("jabber"),
+        { makePresence(QStringLiteral("online"), QStringLiteral("Online")),
+            makePresence(QStringLiteral("away"), QStringLiteral("Away")) });
     const VeskPresence away
         = makePresence(QStringLiteral("away"), QString(), QStringLiteral("away"));
     const auto info = [&](const char *display, const VeskBuddy &group,

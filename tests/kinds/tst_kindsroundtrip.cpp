@@ -27,9 +27,6 @@ void tst_KindsRoundTrip::init()
 {
     env.reset(new VeskFilterTestEnv);
     entries = buildRoster();
-    VeskStandIn::addProtocol(QStringLiteral("jabber"),
-        { VeskStandIn::makePresence(QStringLiteral("online"), QStringLiteral("Online")),
-            VeskStandIn::makePresence(QStringLiteral("away"), QStringLiteral("Away")) });
     for (const char *name : { "axb", "xa.by" }) {
         VeskStandIn::ContactInfo info;
         info.display = QLatin1String(name);

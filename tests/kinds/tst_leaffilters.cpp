@@ -1,6 +1,5 @@
-// The group, account, protocol, display and description filters: which
-// entries each condition passes, what a new filter passes, the items they
-// offer, and how their configuration is walked.
+// The six leaf filters: which entries each condition passes, what a new
+// filter passes, the items they offer, and how their configuration is walked.
 
 #include "kindsfixture.h"
 
@@ -91,6 +90,10 @@ void tst_LeafFilters::conditionPassesEntries_data()
     row("description", "does not contain", "", "", "description ");
     row("description", "match exactly", "awa", "", "description awa");
     row("description", "is not empty", "zzz", "contact", "description zzz");
+    row("presence", "", "", "no account, bare", "presence  ");
+    row("presence", "is", "away", "contact, temporary", "presence is Away");
+    row("presence", "is", "Away", "", "presence is ");
+    row("presence", "is not", "away", "group, invalid, no account, bare", "presence is not Away");
 }
 
 void tst_LeafFilters::conditionPassesEntries()

@@ -98,53 +98,41 @@ void tst_TextMatchEquivalence::filterAnswersAsTheRegularExpression_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("condition"); // empty: a new filter, never configured
-    QTest::addColumn<QString>("before"); // the pattern: before + escaped text + after
-    QTest::addColumn<QString>("after");
+    QTest::addColumn<QString>("pattern"); // %1 stands for the escaped text
     QTest::addColumn<bool>("negated");
-
+    const auto row
+        = [](const char *kind, const char *condition, const char *pattern, bool negated) {
+              QTest::addRow("%s %s", kind, *condition ? condition : "new filter")
+                  << QString::fromLatin1(kind) << QString::fromLatin1(condition)
+                  << QString::fromLatin1(pattern) << negated;
+          };
     for (const char *kind : { "display", "description" }) {
-        QTest::addRow("%s new filter: the empty pattern", kind) << kind << ""
-                                                                << ""
-                                                                << "" << false;
-        QTest::addRow("%s contains", kind) << kind << "contains"
-                                           << ".*"
-                                           << ".*" << false;
-        QTest::addRow("%s match exactly", kind) << kind << "match exactly"
-                                                << ""
-                                                << "" << false;
-        QTest::addRow("%s does not contain: what contains does not pass", kind)
-            << kind << "does not contain"
-            << ".*"
-            << ".*" << true;
+        row(kind, "", "", false);
+        row(kind, "contains", ".*%1.*", false);
+        row(kind, "match exactly", "%1", false);
+        row(kind, "does not contain", ".*%1.*", true); // what contains does not pass
     }
-    QTest::newRow("description is not empty") << "description"
-                                              << "is not empty"
-                                              << ".+"
-                                              << "" << false;
+    row("description", "is not empty", ".+", false);
 }
 
 void tst_TextMatchEquivalence::filterAnswersAsTheRegularExpression()
 {
     QFETCH(QString, kind);
     QFETCH(QString, condition);
-    QFETCH(QString, before);
-    QFETCH(QString, after);
+    QFETCH(QString, pattern);
     QFETCH(bool, negated);
-
     const bool usesText = !condition.isEmpty() && condition != QLatin1String("is not empty");
     const QStringList tried = usesText ? texts : QStringList { QStringLiteral("a.b") };
 
     QStringList mismatches;
-    int compared = 0;
     for (const QString &text : tried) {
         const auto filter = makeFilter(kind);
         if (!condition.isEmpty())
             configure(*filter,
                 { { QStringLiteral("is_or_not"), condition }, { valueFieldOf(kind), text } });
-        const QString pattern = condition.isEmpty()
-            ? QString()
-            : before + (usesText ? QRegExp::escape(text) : QString()) + after;
-        QRegExp expression(pattern, Qt::CaseSensitive, QRegExp::RegExp);
+        QRegExp expression(
+            pattern.contains(QLatin1String("%1")) ? pattern.arg(QRegExp::escape(text)) : pattern,
+            Qt::CaseSensitive, QRegExp::RegExp);
         QVERIFY(expression.isValid());
 
         for (int i = 0; i < names.size(); ++i) {
@@ -155,11 +143,9 @@ void tst_TextMatchEquivalence::filterAnswersAsTheRegularExpression()
                                       expected ? QStringLiteral("pass")
                                                : QStringLiteral("no pass"));
             }
-            ++compared;
         }
     }
     QVERIFY2(mismatches.isEmpty(), qPrintable(mismatches.join(QLatin1Char('\n'))));
-    QCOMPARE(compared, tried.size() * names.size());
 }
 
 QTEST_GUILESS_MAIN(tst_TextMatchEquivalence)

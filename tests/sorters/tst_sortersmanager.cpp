@@ -5,8 +5,6 @@
 
 #include <veskfiltertestenv.h>
 
-#include <vesksettingsmanager.h>
-
 #include <QtTest>
 
 #include <algorithm>
@@ -18,18 +16,12 @@ namespace {
 
 QStringList stored(const QString &key)
 {
-    return VeskSettingsManager::getInstance()
-        ->readGlobalSetting(
-            VeskField::comboBox(QString(), key, { QStringLiteral("-") }, {}, QString(), QString()))
-        .getComboBoxIds();
+    return VeskFilterTestEnv::storedList(key);
 }
 
 QString storedDefault()
 {
-    return VeskSettingsManager::getInstance()
-        ->readGlobalSetting(VeskField::lineEdit(
-            QString(), QStringLiteral("default_sorter"), QStringLiteral("-"), 32767, QString()))
-        .getText();
+    return VeskFilterTestEnv::storedText(QStringLiteral("default_sorter"));
 }
 
 // lessThan(a, b) and lessThan(b, a) for each pair as "t"/"f" letters, so one
