@@ -1,5 +1,6 @@
 // Every leaf kind, configured inside an AND/OR tree of a stored stack filter,
-// answers and reads the same after the host restarts.
+// answers and reads the same after the host restarts, with the labels the
+// host offers then.
 
 #include "kindsfixture.h"
 
@@ -17,6 +18,7 @@ private slots:
 
     void leafSurvivesARestartInsideAnAndOrTree_data();
     void leafSurvivesARestartInsideAnAndOrTree();
+    void labelsComeFromTheCurrentItemsAfterReadingAFile();
 
 private:
     QScopedPointer<VeskFilterTestEnv> env;
@@ -42,31 +44,23 @@ void tst_KindsRoundTrip::leafSurvivesARestartInsideAnAndOrTree_data()
     QTest::addColumn<QString>("condition");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("display a.b still literal") << "display"
-                                               << "contains"
-                                               << "a.b"
-                                               << "invalid, xa.by";
-    QTest::newRow("description is not empty") << "description"
-                                              << "is not empty"
-                                              << "x"
-                                              << "contact, axb, xa.by";
+    QTest::newRow("display a.b still literal")
+        << QStringLiteral("display") << QStringLiteral("contains") << QStringLiteral("a.b")
+        << QStringLiteral("invalid, xa.by");
+    QTest::newRow("description is not empty")
+        << QStringLiteral("description") << QStringLiteral("is not empty") << QStringLiteral("x")
+        << QStringLiteral("contact, axb, xa.by");
     QTest::newRow("group is not Friends")
-        << "group"
-        << "is not"
-        << "Friends"
-        << "temporary, group, invalid, no account, bare, axb, xa.by";
-    QTest::newRow("account is bob@icq") << "account"
-                                        << "is"
-                                        << "bob@icq"
-                                        << "temporary";
-    QTest::newRow("protocol is not icq") << "protocol"
-                                         << "is not"
-                                         << "icq"
-                                         << "contact, group, invalid, no account, bare, axb, xa.by";
-    QTest::newRow("presence is Away") << "presence"
-                                      << "is"
-                                      << "away"
-                                      << "contact, temporary";
+        << QStringLiteral("group") << QStringLiteral("is not") << QStringLiteral("Friends")
+        << QStringLiteral("temporary, group, invalid, no account, bare, axb, xa.by");
+    QTest::newRow("account is bob@icq") << QStringLiteral("account") << QStringLiteral("is")
+                                        << QStringLiteral("bob@icq") << QStringLiteral("temporary");
+    QTest::newRow("protocol is not icq")
+        << QStringLiteral("protocol") << QStringLiteral("is not") << QStringLiteral("icq")
+        << QStringLiteral("contact, group, invalid, no account, bare, axb, xa.by");
+    QTest::newRow("presence is Away")
+        << QStringLiteral("presence") << QStringLiteral("is") << QStringLiteral("away")
+        << QStringLiteral("contact, temporary");
 }
 
 void tst_KindsRoundTrip::leafSurvivesARestartInsideAnAndOrTree()
@@ -98,6 +92,24 @@ void tst_KindsRoundTrip::leafSurvivesARestartInsideAnAndOrTree()
     stack = env->restart()->getStackFilter(QStringLiteral("kinds"));
     QCOMPARE(describe(stack), tree);
     QTEST(passing(*stack, entries), "expected");
+}
+
+void tst_KindsRoundTrip::labelsComeFromTheCurrentItemsAfterReadingAFile()
+{
+    {
+        VeskRosterFiltersStack stack(QStringLiteral("s"), VeskRosterFilter::RosterFilterAnd);
+        auto *filter = new VeskPresenceFilter;
+        configure(*filter,
+            { { QStringLiteral("is_or_not"), QStringLiteral("is not") },
+                { valueFieldOf(QStringLiteral("presence")), QStringLiteral("away") } });
+        stack.appendFilter(filter);
+        stack.writeFilterSettings();
+    }
+    VeskStandIn::resetRoster();
+    VeskStandIn::addProtocol(QStringLiteral("p"),
+        { VeskStandIn::makePresence(QStringLiteral("away"), QStringLiteral("Weg")) });
+    VeskRosterFiltersStack reread(QStringLiteral("s"), VeskRosterFilter::RosterFilterDefault);
+    QCOMPARE(reread.display(), QStringLiteral("(presence is not Weg)"));
 }
 
 QTEST_GUILESS_MAIN(tst_KindsRoundTrip)

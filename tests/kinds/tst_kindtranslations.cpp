@@ -103,27 +103,23 @@ void tst_KindTranslations::germanTranslationReachesTheFilters_data()
     QTest::addColumn<QString>("condition");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("expected"); // name / display / condition labels
-    QTest::newRow("display") << "display"
-                             << "contains"
-                             << "bob"
-                             << "Anzeigename / Anzeigename bob / enthält,enthält nicht,ist genau";
+    QTest::newRow("display")
+        << QStringLiteral("display") << QStringLiteral("contains") << QStringLiteral("bob")
+        << QStringLiteral("Anzeigename / Anzeigename bob / enthält,enthält nicht,ist genau");
     QTest::newRow("description")
-        << "description"
-        << "is not empty"
-        << "away"
-        << "Beschreibung / Beschreibung away / enthält,enthält nicht,ist genau,ist nicht leer";
-    QTest::newRow("group") << "group"
-                           << "is not"
-                           << "Friends"
-                           << "Gruppe / ist nicht Friends / ist,ist nicht";
-    QTest::newRow("account") << "account"
-                             << "is"
-                             << "bob@icq"
-                             << "Konto / Konto ist bob@icq / ist,ist nicht";
-    QTest::newRow("protocol") << "protocol"
-                              << "is not"
-                              << "icq"
-                              << "Protokoll / Protokoll ist nicht icq / ist,ist nicht";
+        << QStringLiteral("description") << QStringLiteral("is not empty") << QStringLiteral("away")
+        << QStringLiteral(
+               "Beschreibung / Beschreibung away / enthält,enthält nicht,ist genau,ist nicht leer");
+    QTest::newRow("group") << QStringLiteral("group") << QStringLiteral("is not")
+                           << QStringLiteral("Friends")
+                           << QStringLiteral("Gruppe / ist nicht Friends / ist,ist nicht");
+    QTest::newRow("account") << QStringLiteral("account") << QStringLiteral("is")
+                             << QStringLiteral("bob@icq")
+                             << QStringLiteral("Konto / Konto ist bob@icq / ist,ist nicht");
+    QTest::newRow("protocol") << QStringLiteral("protocol") << QStringLiteral("is not")
+                              << QStringLiteral("icq")
+                              << QStringLiteral(
+                                     "Protokoll / Protokoll ist nicht icq / ist,ist nicht");
 }
 
 void tst_KindTranslations::germanTranslationReachesTheFilters()

@@ -39,6 +39,7 @@ private slots:
     void lastFieldOfAnIdWinsAndAnEmptyListChangesNothing_data();
     void lastFieldOfAnIdWinsAndAnEmptyListChangesNothing();
     void unknownTextConditionKeepsThePreviousTest();
+    void presenceItemsAreUniqueByIdWithTheFirstProtocolsLabelAndPlace();
     void itemsAreDistinct_data();
     void itemsAreDistinct();
 
@@ -119,26 +120,24 @@ void tst_LeafFilters::lastFieldOfAnIdWinsAndAnEmptyListChangesNothing_data()
     QTest::addColumn<QString>("expected");
     // For the choice kinds any field but the condition carries the value, and
     // only exactly "is" means "is".
-    QTest::newRow("group") << "group"
-                           << "is,Friends"
-                           << "IS,Work"
-                           << "contact, group, invalid, bare";
-    QTest::newRow("account") << "account"
-                             << "is,alice@home@jabber"
-                             << "IS,bob@icq"
-                             << "contact, group, invalid, no account, bare";
-    QTest::newRow("protocol") << "protocol"
-                              << "is,jabber"
-                              << "IS,icq"
-                              << "contact, group, invalid, no account, bare";
-    QTest::newRow("display") << "display"
-                             << "match exactly,x"
-                             << "contains,a"
-                             << "invalid";
-    QTest::newRow("description") << "description"
-                                 << "match exactly,x"
-                                 << "contains,a"
-                                 << "contact";
+    QTest::newRow("group") << QStringLiteral("group") << QStringLiteral("is,Friends")
+                           << QStringLiteral("IS,Work")
+                           << QStringLiteral("contact, group, invalid, bare");
+    QTest::newRow("account") << QStringLiteral("account") << QStringLiteral("is,alice@home@jabber")
+                             << QStringLiteral("IS,bob@icq")
+                             << QStringLiteral("contact, group, invalid, no account, bare");
+    QTest::newRow("protocol") << QStringLiteral("protocol") << QStringLiteral("is,jabber")
+                              << QStringLiteral("IS,icq")
+                              << QStringLiteral("contact, group, invalid, no account, bare");
+    QTest::newRow("presence") << QStringLiteral("presence") << QStringLiteral("is,away")
+                              << QStringLiteral("IS,online")
+                              << QStringLiteral(
+                                     "contact, temporary, group, invalid, no account, bare");
+    QTest::newRow("display") << QStringLiteral("display") << QStringLiteral("match exactly,x")
+                             << QStringLiteral("contains,a") << QStringLiteral("invalid");
+    QTest::newRow("description") << QStringLiteral("description")
+                                 << QStringLiteral("match exactly,x")
+                                 << QStringLiteral("contains,a") << QStringLiteral("contact");
 }
 
 void tst_LeafFilters::lastFieldOfAnIdWinsAndAnEmptyListChangesNothing()
@@ -191,23 +190,42 @@ void tst_LeafFilters::unknownTextConditionKeepsThePreviousTest()
             QStringLiteral("description Bobby"), QStringLiteral("Contains") }));
 }
 
+void tst_LeafFilters::presenceItemsAreUniqueByIdWithTheFirstProtocolsLabelAndPlace()
+{
+    using VeskStandIn::makePresence;
+    VeskStandIn::resetRoster();
+    VeskStandIn::addProtocol(QStringLiteral("first"),
+        { makePresence(QStringLiteral("online"), QStringLiteral("Online")),
+            makePresence(QStringLiteral("away"), QStringLiteral("Away")) });
+    VeskStandIn::addProtocol(QStringLiteral("empty"), {});
+    VeskStandIn::addProtocol(QStringLiteral("second"),
+        { makePresence(QStringLiteral("dnd"), QStringLiteral("Busy")),
+            makePresence(QStringLiteral("away"), QStringLiteral("Gone")),
+            makePresence(QStringLiteral("Online"), QStringLiteral("ONLINE")),
+            makePresence(QStringLiteral("dnd"), QStringLiteral("Busy again")) });
+    VeskPresenceFilter filter;
+    configure(filter,
+        { { conditionId, QStringLiteral("is not") },
+            { valueFieldOf(QStringLiteral("presence")), QStringLiteral("away") } });
+    QCOMPARE(describe(filter.getConfiguration()) + QLatin1Char('/') + filter.display(),
+        QStringLiteral(
+            "is_or_not=[is,is not|is,is not] is not; presence_filter_presence="
+            "[online,away,dnd,Online|Online,Away,Busy,ONLINE] away/presence is not Away"));
+}
+
 void tst_LeafFilters::itemsAreDistinct_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("accounts"); // uid@protocol ..., split at the first "@"
     QTest::addColumn<QString>("expected");
-    QTest::newRow("two accounts of one identity give one account item") << "account"
-                                                                        << "a@x a@x"
-                                                                        << "a@x";
-    QTest::newRow("one uid on two protocols gives two account items") << "account"
-                                                                      << "a@x a@y"
-                                                                      << "a@x,a@y";
-    QTest::newRow("three accounts on two protocols give two protocol items") << "protocol"
-                                                                             << "a@x b@x c@y"
-                                                                             << "x,y";
-    QTest::newRow("groups are listed as the roster names them") << "group"
-                                                                << ""
-                                                                << "Friends,Work,Friends";
+    QTest::newRow("two accounts of one identity give one account item")
+        << QStringLiteral("account") << QStringLiteral("a@x a@x") << QStringLiteral("a@x");
+    QTest::newRow("one uid on two protocols gives two account items")
+        << QStringLiteral("account") << QStringLiteral("a@x a@y") << QStringLiteral("a@x,a@y");
+    QTest::newRow("three accounts on two protocols give two protocol items")
+        << QStringLiteral("protocol") << QStringLiteral("a@x b@x c@y") << QStringLiteral("x,y");
+    QTest::newRow("groups are listed as the roster names them")
+        << QStringLiteral("group") << QStringLiteral("") << QStringLiteral("Friends,Work,Friends");
 }
 
 void tst_LeafFilters::itemsAreDistinct()

@@ -70,21 +70,21 @@ void tst_SortersManager::chainReadsEachComparatorThroughItsFlag_data()
     // Hal (priority 7) / Bob, groups at 3 / 5, family / Work at 0.
     const QString t = QStringLiteral("t"), f = QStringLiteral("f");
     QTest::newRow("no method: built-in presence, then name")
-        << QStringList() << QStringList() << "ft ft tf tf ft ft";
+        << QStringList() << QStringList() << QStringLiteral("ft ft tf tf ft ft");
     QTest::newRow("presence ascending, name descending")
         << QStringList({ QStringLiteral("presence"), QStringLiteral("name") })
-        << QStringList({ t, f }) << "tf tf tf ft ff tf";
+        << QStringList({ t, f }) << QStringLiteral("tf tf tf ft ff tf");
     QTest::newRow("presence priority") << QStringList(QStringLiteral("presence_priority"))
-                                       << QStringList(t) << "ff ff ff ft ff ff";
-    QTest::newRow("chats count: equal counts answer false both ways")
-        << QStringList({ QStringLiteral("chats_count") }) << QStringList(t) << "ft ff ff ff ff ff";
+                                       << QStringList(t) << QStringLiteral("ff ff ff ft ff ff");
+    QTest::newRow("chats count: equal counts answer false both ways") << QStringList(
+        { QStringLiteral("chats_count") }) << QStringList(t) << QStringLiteral("ft ff ff ff ff ff");
     QTest::newRow("unknown ids are skipped with their flags")
         << QStringList({ QStringLiteral("bogus"), QStringLiteral("chats_count"),
                QStringLiteral("Name"), QStringLiteral("name") })
-        << QStringList({ t, f, f, t }) << "tf ft ft tf ft ft";
+        << QStringList({ t, f, f, t }) << QStringLiteral("tf ft ft tf ft ft");
     QTest::newRow("positions without a flag are ascending")
         << QStringList({ QStringLiteral("chats_count"), QStringLiteral("name") }) << QStringList(f)
-        << "tf ft ft tf ft ft";
+        << QStringLiteral("tf ft ft tf ft ft");
 }
 
 void tst_SortersManager::chainReadsEachComparatorThroughItsFlag()
@@ -244,18 +244,17 @@ void tst_SortersManager::hostOrderFromLessThan_data()
     QTest::addColumn<QString>("method");
     QTest::addColumn<QString>("expected");
     // Ties keep the order of addition; the name method alone orders groups.
-    QTest::newRow("by name: A to Z, groups by rising position")
-        << "name"
-        << "[family] [Work] [g2] [g5] [g7] amy Bea bob Cy eve joe Max zoe";
+    QTest::newRow("by name: A to Z, groups by rising position") << QStringLiteral(
+        "name") << QStringLiteral("[family] [Work] [g2] [g5] [g7] amy Bea bob Cy eve joe Max zoe");
     QTest::newRow("by chats count: most chats first")
-        << "chats_count"
-        << "[g7] [Work] [g2] [family] [g5] eve Max bob Cy amy Bea joe zoe";
+        << QStringLiteral("chats_count")
+        << QStringLiteral("[g7] [Work] [g2] [family] [g5] eve Max bob Cy amy Bea joe zoe");
     QTest::newRow("by presence priority: highest first")
-        << "presence_priority"
-        << "[g7] [Work] [g2] [family] [g5] joe Bea Cy amy zoe bob eve Max";
+        << QStringLiteral("presence_priority")
+        << QStringLiteral("[g7] [Work] [g2] [family] [g5] joe Bea Cy amy zoe bob eve Max");
     QTest::newRow("by presence: flag 5 last, higher subscription first")
-        << "presence"
-        << "[g7] [Work] [g2] [family] [g5] joe eve Max zoe bob Cy amy Bea";
+        << QStringLiteral("presence")
+        << QStringLiteral("[g7] [Work] [g2] [family] [g5] joe eve Max zoe bob Cy amy Bea");
 }
 
 void tst_SortersManager::hostOrderFromLessThan()
