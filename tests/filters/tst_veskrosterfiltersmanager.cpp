@@ -58,10 +58,8 @@ private slots:
     void cleanup() { env.reset(); }
 
     void firstStartHasOnlyTheDefaultFilter();
-    void storedOrderIsReconciledWithTheFiles_data();
-    void storedOrderIsReconciledWithTheFiles();
-    void currentFilterIsRestoredOrFallsBackToDefault_data();
-    void currentFilterIsRestoredOrFallsBackToDefault();
+    void startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles_data();
+    void startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles();
     void currentFilterDecidesWhatPasses();
     void upAndDownMoveOnePlaceAndStoreTheOrder_data();
     void upAndDownMoveOnePlaceAndStoreTheOrder();
@@ -87,30 +85,36 @@ void tst_VeskRosterFiltersManager::firstStartHasOnlyTheDefaultFilter()
     QVERIFY(!QFileInfo::exists(env->filtersDir()));
 }
 
-void tst_VeskRosterFiltersManager::storedOrderIsReconciledWithTheFiles_data()
+void tst_VeskRosterFiltersManager::
+    startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles_data()
 {
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<QStringList>("stored");
-    QTest::addColumn<QStringList>("expected");
+    QTest::addColumn<QString>("current"); // stored as "roster_filter"
+    QTest::addColumn<QStringList>("expected"); // the order, then the current filter
     const QString d = QStringLiteral("default"), a = QStringLiteral("a"), b = QStringLiteral("b"),
                   c = QStringLiteral("c"), ghost = QStringLiteral("ghost");
-    QTest::newRow("stored order wins")
-        << QStringList { a, b, c } << QStringList { d, c, a, b } << QStringList { d, c, a, b };
-    QTest::newRow("nothing stored") << QStringList { a } << QStringList {} << QStringList { d, a };
+    QTest::newRow("stored order wins") << QStringList { a, b, c } << QStringList { d, c, a, b } << b
+                                       << QStringList { d, c, a, b, b };
+    QTest::newRow("nothing stored")
+        << QStringList { a } << QStringList {} << unset << QStringList { d, a, d };
     QTest::newRow("ids without a file are dropped")
-        << QStringList { a } << QStringList { d, ghost, a, ghost } << QStringList { d, a };
+        << QStringList { a } << QStringList { d, ghost, a, ghost } << ghost
+        << QStringList { d, a, d };
     QTest::newRow("unlisted files come last")
-        << QStringList { a, b, c } << QStringList { c, b } << QStringList { d, c, b, a };
+        << QStringList { a, b, c } << QStringList { c, b } << QStringLiteral("A")
+        << QStringList { d, c, b, a, d };
     QTest::newRow("default is moved first and listed once")
-        << QStringList { a, b } << QStringList { a, d, b, d } << QStringList { d, a, b };
+        << QStringList { a, b } << QStringList { a, d, b, d } << a << QStringList { d, a, b, a };
     QTest::newRow("a file named default is the default filter")
-        << QStringList { d, a } << QStringList {} << QStringList { d, a };
+        << QStringList { d, a } << QStringList {} << d << QStringList { d, a, d };
 }
 
-void tst_VeskRosterFiltersManager::storedOrderIsReconciledWithTheFiles()
+void tst_VeskRosterFiltersManager::startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles()
 {
     QFETCH(QStringList, files);
     QFETCH(QStringList, stored);
+    QFETCH(QString, current);
     for (const QString &name : files) {
         VeskRosterFiltersStack stack(name, AND);
         stack.appendFilter(presence(QStringLiteral("online")));
@@ -119,31 +123,13 @@ void tst_VeskRosterFiltersManager::storedOrderIsReconciledWithTheFiles()
     env->restart();
     if (!stored.isEmpty())
         storeOrder(stored);
-    QTEST(env->restart()->getFilterNames(), "expected");
-}
-
-void tst_VeskRosterFiltersManager::currentFilterIsRestoredOrFallsBackToDefault_data()
-{
-    QTest::addColumn<QString>("stored");
-    QTest::addColumn<QString>("current");
-    QTest::newRow("a registered stack") << QStringLiteral("a") << QStringLiteral("a");
-    QTest::newRow("an id without a file") << QStringLiteral("ghost") << QStringLiteral("default");
-    QTest::newRow("an id differing in case") << QStringLiteral("A") << QStringLiteral("default");
-    QTest::newRow("nothing stored") << unset << QStringLiteral("default");
-}
-
-void tst_VeskRosterFiltersManager::currentFilterIsRestoredOrFallsBackToDefault()
-{
-    QFETCH(QString, stored);
-    QFETCH(QString, current);
-    addSaved({ QStringLiteral("a") });
     VeskSettingsManagerPrivate::settingsMgrPrivInstance->removeKey(QStringLiteral("roster_filter"));
-    if (stored != unset)
+    if (current != unset)
         VeskSettingsManagerPrivate::settingsMgrPrivInstance->writeGlobalSetting(VeskField::lineEdit(
-            QString(), QStringLiteral("roster_filter"), stored, 32767, QString()));
+            QString(), QStringLiteral("roster_filter"), current, 32767, QString()));
     VeskRosterFiltersManager *manager = env->restart();
-    QCOMPARE(manager->getCurrentFilterName(), current);
-    QCOMPARE(storedCurrent(), current);
+    QCOMPARE(storedCurrent(), manager->getCurrentFilterName());
+    QTEST(manager->getFilterNames() << manager->getCurrentFilterName(), "expected");
 }
 
 void tst_VeskRosterFiltersManager::currentFilterDecidesWhatPasses()
