@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QDomDocument>
 #include <QtTest>
 
 using namespace VeskFilterTree;
@@ -108,6 +109,19 @@ void tst_VeskStackFile::treeSurvivesARestart()
     tree->setSorter(QStringLiteral("by name"));
     tree->setAdvancedMode(true);
     tree->writeFilterSettings();
+    // The host's own files have this shape: attributes on the root, only a
+    // type on a nested stack, leaves as elements named by kind.
+    QDomDocument document;
+    QVERIFY(document.setContent(readFile(env->filePath(QStringLiteral("tree")))));
+    const QDomElement root = document.documentElement();
+    const QDomElement nestedStack = root.firstChildElement(QStringLiteral("stack_filter"));
+    QCOMPARE(QStringList({ root.tagName(), root.attribute(QStringLiteral("type")),
+                 root.attribute(QStringLiteral("sort")), root.attribute(QStringLiteral("advanced")),
+                 root.firstChildElement().tagName(), nestedStack.attribute(QStringLiteral("type")),
+                 QString::number(nestedStack.attributes().count()) }),
+        QStringList({ QStringLiteral("stack_filter"), QStringLiteral("AND"),
+            QStringLiteral("by name"), QStringLiteral("t"), QStringLiteral("presence"),
+            QStringLiteral("OR"), QStringLiteral("1") }));
 
     manager = env->restart();
     QCOMPARE(describe(manager->getStackFilter(QStringLiteral("tree"))),
