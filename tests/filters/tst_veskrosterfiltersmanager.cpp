@@ -1,0 +1,311 @@
+// The filters manager: start-up from disk and settings, the current filter,
+// the order, renaming and removing, and the kind factory.
+
+#include <veskfiltertestenv.h>
+#include <veskfiltertree.h>
+
+#include <vesksettingsmanager.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QtTest>
+
+using namespace VeskFilterTree;
+
+namespace {
+
+const VeskRosterFilter::RosterFilterType AND = VeskRosterFilter::RosterFilterAnd;
+const QString unset = QStringLiteral("<unset>");
+
+QString storedCurrent()
+{
+    return VeskFilterTestEnv::storedText(QStringLiteral("roster_filter"), unset);
+}
+
+QStringList storedOrder()
+{
+    return VeskFilterTestEnv::storedList(QStringLiteral("filters"), unset);
+}
+
+void storeOrder(const QStringList &order)
+{
+    VeskFilterTestEnv::store(QStringLiteral("filters"), order);
+}
+
+// Saves a stack with one presence leaf per name, registered with the manager.
+void addSaved(const QStringList &names)
+{
+    for (const QString &name : names) {
+        VeskRosterFiltersStack *stack
+            = VeskRosterFiltersManager::getInstance()->addStackFilter(name, AND);
+        stack->appendFilter(presence(QStringLiteral("online")));
+        stack->writeFilterSettings();
+    }
+}
+
+} // namespace
+
+class tst_VeskRosterFiltersManager : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        env.reset(new VeskFilterTestEnv);
+        addPresences();
+    }
+    void cleanup() { env.reset(); }
+
+    void firstStartHasOnlyTheDefaultFilter();
+    void startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles_data();
+    void startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles();
+    void currentFilterDecidesWhatPasses();
+    void upAndDownMoveOnePlaceAndStoreTheOrder_data();
+    void upAndDownMoveOnePlaceAndStoreTheOrder();
+    void removeDeletesTheFileAndFallsBackFromTheCurrentFilter();
+    void renameKeepsPlaceFileAndCurrentFilterAcrossARestart_data();
+    void renameKeepsPlaceFileAndCurrentFilterAcrossARestart();
+    void renameRefusesWhatWouldLoseAFilter_data();
+    void renameRefusesWhatWouldLoseAFilter();
+    void defaultFilterCanBeNeitherRemovedNorReplaced();
+    void caseDifferentNamesAreTwoFilters();
+    void factoryMakesExactlyTheSixKindsUnderTranslatedNames();
+
+private:
+    QScopedPointer<VeskFilterTestEnv> env;
+};
+
+void tst_VeskRosterFiltersManager::firstStartHasOnlyTheDefaultFilter()
+{
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    QCOMPARE(manager->getFilterNames() + storedOrder(),
+        QStringList({ QStringLiteral("default"), unset }));
+    QCOMPARE(manager->getCurrentFilterName() + storedCurrent(), QStringLiteral("defaultdefault"));
+    QVERIFY(!QFileInfo::exists(env->filtersDir()));
+}
+
+void tst_VeskRosterFiltersManager::
+    startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QStringList>("stored");
+    QTest::addColumn<QString>("current"); // stored as "roster_filter"
+    QTest::addColumn<QStringList>("expected"); // the order, then the current filter
+    const QString d = QStringLiteral("default"), a = QStringLiteral("a"), b = QStringLiteral("b"),
+                  c = QStringLiteral("c"), ghost = QStringLiteral("ghost");
+    QTest::newRow("stored order wins") << QStringList { a, b, c } << QStringList { d, c, a, b } << b
+                                       << QStringList { d, c, a, b, b };
+    QTest::newRow("nothing stored")
+        << QStringList { a } << QStringList {} << unset << QStringList { d, a, d };
+    QTest::newRow("ids without a file are dropped")
+        << QStringList { a } << QStringList { d, ghost, a, ghost } << ghost
+        << QStringList { d, a, d };
+    QTest::newRow("unlisted files come last")
+        << QStringList { a, b, c } << QStringList { c, b } << QStringLiteral("A")
+        << QStringList { d, c, b, a, d };
+    QTest::newRow("default is moved first and listed once")
+        << QStringList { a, b } << QStringList { a, d, b, d } << a << QStringList { d, a, b, a };
+    QTest::newRow("a file named default is the default filter")
+        << QStringList { d, a } << QStringList {} << d << QStringList { d, a, d };
+}
+
+void tst_VeskRosterFiltersManager::startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QStringList, stored);
+    QFETCH(QString, current);
+    for (const QString &name : files) {
+        VeskRosterFiltersStack stack(name, AND);
+        stack.appendFilter(presence(QStringLiteral("online")));
+        stack.writeFilterSettings();
+    }
+    env->restart();
+    if (!stored.isEmpty())
+        storeOrder(stored);
+    VeskSettingsManagerPrivate::settingsMgrPrivInstance->removeKey(QStringLiteral("roster_filter"));
+    if (current != unset)
+        VeskSettingsManagerPrivate::settingsMgrPrivInstance->writeGlobalSetting(VeskField::lineEdit(
+            QString(), QStringLiteral("roster_filter"), current, 32767, QString()));
+    VeskRosterFiltersManager *manager = env->restart();
+    QCOMPARE(storedCurrent(), manager->getCurrentFilterName());
+    QTEST(manager->getFilterNames() << manager->getCurrentFilterName(), "expected");
+}
+
+void tst_VeskRosterFiltersManager::currentFilterDecidesWhatPasses()
+{
+    addSaved({ QStringLiteral("online only") });
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    VeskStandIn::ContactInfo away;
+    away.presence = VeskStandIn::makePresence(QStringLiteral("away"));
+    const VeskBuddy contact = VeskStandIn::addContact(away);
+    const bool underDefault = manager->filter(contact);
+    manager->setCurrentFilter(QStringLiteral("online only"));
+    manager->setCurrentFilter(QStringLiteral("ghost")); // changes nothing
+    QCOMPARE(storedCurrent(), QStringLiteral("online only"));
+    QCOMPARE(QList<bool>({ underDefault, manager->filter(contact) }), QList<bool>({ true, false }));
+}
+
+void tst_VeskRosterFiltersManager::upAndDownMoveOnePlaceAndStoreTheOrder_data()
+{
+    QTest::addColumn<bool>("up");
+    QTest::addColumn<QString>("id");
+    QTest::addColumn<QStringList>("expected");
+    const QString d = QStringLiteral("default"), a = QStringLiteral("a"), b = QStringLiteral("b"),
+                  c = QStringLiteral("c");
+    QTest::newRow("up of the third") << true << b << QStringList { d, b, a, c };
+    QTest::newRow("up of the second never takes the first place")
+        << true << a << QStringList { d, a, b, c };
+    QTest::newRow("up of an unknown id")
+        << true << QStringLiteral("ghost") << QStringList { d, a, b, c };
+    QTest::newRow("down of default") << false << d << QStringList { a, d, b, c };
+    QTest::newRow("down of the second") << false << a << QStringList { d, b, a, c };
+    QTest::newRow("down of the last") << false << c << QStringList { d, a, b, c };
+}
+
+void tst_VeskRosterFiltersManager::upAndDownMoveOnePlaceAndStoreTheOrder()
+{
+    QFETCH(bool, up);
+    QFETCH(QString, id);
+    QFETCH(QStringList, expected);
+    addSaved({ QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c") });
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    if (up)
+        manager->upFilter(id);
+    else
+        manager->downFilter(id);
+    QCOMPARE(manager->getFilterNames(), expected);
+    QCOMPARE(storedOrder(), expected);
+}
+
+void tst_VeskRosterFiltersManager::removeDeletesTheFileAndFallsBackFromTheCurrentFilter()
+{
+    addSaved({ QStringLiteral("a"), QStringLiteral("b") });
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    manager->setCurrentFilter(QStringLiteral("a"));
+    QScopedPointer<VeskRosterFiltersStack> removed(manager->getStackFilter(QStringLiteral("a")));
+    manager->removeStackFilter(QStringLiteral("a"));
+    const QStringList expected { QStringLiteral("default"), QStringLiteral("b") };
+    QCOMPARE(manager->getFilterNames(), expected);
+    QCOMPARE(manager->getCurrentFilterName(), QStringLiteral("default"));
+    QCOMPARE(QDir(env->filtersDir()).entryList(QDir::Files | QDir::Hidden),
+        QStringList { QStringLiteral("b") });
+    manager = env->restart();
+    QCOMPARE(manager->getFilterNames(), expected);
+    QCOMPARE(manager->getCurrentFilterName(), QStringLiteral("default"));
+}
+
+void tst_VeskRosterFiltersManager::renameKeepsPlaceFileAndCurrentFilterAcrossARestart_data()
+{
+    QTest::addColumn<QString>("oldId");
+    QTest::addColumn<QString>("newId");
+    const QString longName(300, QLatin1Char('l'));
+    QTest::newRow("plain to plain") << QStringLiteral("b") << QStringLiteral("b renamed");
+    QTest::newRow("long name to long name") << longName << QString(300, QChar(0x4E2D));
+    QTest::newRow("long name to a path") << longName << QStringLiteral("../../b");
+    QTest::newRow("case only") << QStringLiteral("b") << QStringLiteral("B");
+}
+
+void tst_VeskRosterFiltersManager::renameKeepsPlaceFileAndCurrentFilterAcrossARestart()
+{
+    QFETCH(QString, oldId);
+    QFETCH(QString, newId);
+    addSaved({ QStringLiteral("a"), oldId, QStringLiteral("c") });
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    storeOrder(manager->getFilterNames());
+    manager->setCurrentFilter(oldId);
+    VeskRosterFiltersStack *stack = manager->getStackFilter(oldId);
+    manager->rename(oldId, newId);
+    const QString tree = describe(stack);
+    const QStringList expected { QStringLiteral("default"), QStringLiteral("a"), newId,
+        QStringLiteral("c") };
+    QCOMPARE(stack->name(), newId);
+    QCOMPARE(manager->getFilterNames(), expected);
+    QCOMPARE(storedCurrent(), newId);
+
+    manager = env->restart();
+    QCOMPARE(manager->getFilterNames(), expected);
+    QCOMPARE(manager->getCurrentFilterName(), newId);
+    QCOMPARE(describe(manager->getStackFilter(newId)), tree);
+    QCOMPARE(QDir(env->filtersDir()).entryList(QDir::Files | QDir::Hidden).size(), 3);
+}
+
+void tst_VeskRosterFiltersManager::renameRefusesWhatWouldLoseAFilter_data()
+{
+    QTest::addColumn<QString>("oldId");
+    QTest::addColumn<QString>("newId");
+    QTest::newRow("renaming default") << QStringLiteral("default") << QStringLiteral("x");
+    QTest::newRow("renaming to default") << QStringLiteral("a") << QStringLiteral("default");
+    QTest::newRow("an unknown old id") << QStringLiteral("ghost") << QStringLiteral("x");
+    QTest::newRow("to the empty name") << QStringLiteral("a") << QString();
+    QTest::newRow("onto another filter") << QStringLiteral("a") << QStringLiteral("b");
+}
+
+void tst_VeskRosterFiltersManager::renameRefusesWhatWouldLoseAFilter()
+{
+    addSaved({ QStringLiteral("a"), QStringLiteral("b") });
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    manager->setCurrentFilter(QStringLiteral("a"));
+    storeOrder(manager->getFilterNames());
+    const auto state = [&] {
+        return manager->getFilterNames() + storedOrder()
+            + QStringList { describe(manager->getStackFilter(QStringLiteral("a"))),
+                  describe(manager->getStackFilter(QStringLiteral("b"))),
+                  manager->getCurrentFilterName(), storedCurrent() }
+        + QDir(env->filtersDir()).entryList(QDir::Files | QDir::Hidden);
+    };
+    const QStringList before = state();
+    QFETCH(QString, oldId);
+    QFETCH(QString, newId);
+    manager->rename(oldId, newId);
+    QCOMPARE(state(), before);
+}
+
+void tst_VeskRosterFiltersManager::defaultFilterCanBeNeitherRemovedNorReplaced()
+{
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    VeskRosterFilter *defaultFilter = manager->getCurrentFilter();
+    manager->removeStackFilter(QStringLiteral("default"));
+    QCOMPARE(manager->addStackFilter(QStringLiteral("default"), AND), nullptr);
+    addSaved({ QStringLiteral("a") });
+    manager->setCurrentFilter(QStringLiteral("a"));
+    manager->setCurrentFilter(QStringLiteral("default"));
+    QCOMPARE(manager->getCurrentFilter(), defaultFilter);
+    QCOMPARE(
+        manager->getFilterNames(), QStringList({ QStringLiteral("default"), QStringLiteral("a") }));
+}
+
+void tst_VeskRosterFiltersManager::caseDifferentNamesAreTwoFilters()
+{
+    addSaved({ QStringLiteral("Work"), QStringLiteral("work") });
+    QStringList names = env->restart()->getFilterNames();
+    names.sort();
+    QCOMPARE(names,
+        QStringList({ QStringLiteral("Work"), QStringLiteral("default"), QStringLiteral("work") }));
+}
+
+void tst_VeskRosterFiltersManager::factoryMakesExactlyTheSixKindsUnderTranslatedNames()
+{
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    QStringList made;
+    QStringList kinds = manager->getAvailableFilters();
+    kinds.sort();
+    for (const QString &kind : qAsConst(kinds)
+            + QStringList { QString(), QStringLiteral("Presence"), QStringLiteral("default"),
+                QStringLiteral("stack_filter") }) {
+        QScopedPointer<VeskRosterFilter> filter(manager->createFilter(kind, AND));
+        const QString name = manager->getFilterName(kind);
+        const bool named
+            = name == QCoreApplication::translate("translation", kind.toLatin1().constData(), "nc");
+        if (filter && filter->getType() == VeskRosterFilter::RosterFilterLeaf
+            && filter->id() == kind && named && manager->getFilterId(name) == kind)
+            made << kind;
+    }
+    QCOMPARE(made,
+        QStringList(
+            { QStringLiteral("account"), QStringLiteral("description"), QStringLiteral("display"),
+                QStringLiteral("group"), QStringLiteral("presence"), QStringLiteral("protocol") }));
+}
+
+QTEST_GUILESS_MAIN(tst_VeskRosterFiltersManager)
+#include "tst_veskrosterfiltersmanager.moc"
