@@ -1,0 +1,291 @@
+// Filtering a whole roster: the library's current filter against the
+// hand-written predicate and against a QSortFilterProxyModel, and each leaf kind
+// alone against its hand-written twin.
+
+#include "allocationcounter.h"
+#include "benchmarks.h"
+#include "benchroster.h"
+#include "benchworld.h"
+#include "handwritten.h"
+#include "rosteritemmodel.h"
+
+#include <veskaccount.h>
+#include <veskrosterfilter.h>
+#include <veskrosterfiltersmanager.h>
+
+#include <QSet>
+#include <QStandardItemModel>
+
+#include <benchmark/benchmark.h>
+
+#include <functional>
+#include <memory>
+
+namespace {
+
+using Predicate = std::function<bool(const VeskBuddy &)>;
+
+// Entries that pass; the same loop times the library and the hand-written code.
+template <typename Filter>
+int countPassing(const std::vector<VeskBuddy> &entries, const Filter &filter)
+{
+    int passed = 0;
+    for (const VeskBuddy &entry : entries)
+        passed += filter(entry) ? 1 : 0;
+    return passed;
+}
+
+template <typename Filter>
+double allocationsPerCall(const std::vector<VeskBuddy> &entries, const Filter &filter)
+{
+    const AllocationScope scope;
+    benchmark::DoNotOptimize(countPassing(entries, filter));
+    return entries.empty() ? 0.0 : double(scope.allocations()) / double(entries.size());
+}
+
+// The index of the first entry on which two predicates disagree, or -1.
+template <typename Library, typename Hand>
+qsizetype firstDisagreement(
+    const std::vector<VeskBuddy> &entries, const Library &library, const Hand &hand)
+{
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (library(entries[i]) != hand(entries[i]))
+            return qsizetype(i);
+    }
+    return -1;
+}
+
+template <typename Filter>
+void timeFilter(
+    benchmark::State &state, const std::vector<VeskBuddy> &entries, const Filter &filter)
+{
+    state.counters["allocs_per_call"] = allocationsPerCall(entries, filter);
+    int passed = 0;
+    for (auto _ : state) {
+        passed = countPassing(entries, filter);
+        benchmark::DoNotOptimize(passed);
+    }
+    state.counters["entries"] = double(entries.size());
+    state.counters["passed"] = passed;
+    state.SetItemsProcessed(qint64(state.iterations()) * qint64(entries.size()));
+}
+
+// Compared once per roster size, outside timing: the ratio means something only
+// if both sides give the same answers.
+bool answersAgree(benchmark::State &state, const std::vector<VeskBuddy> &entries)
+{
+    static QSet<std::size_t> checked;
+    if (checked.contains(entries.size()))
+        return true;
+    const VeskRosterFiltersManager *manager = BenchWorld::filtersManager();
+    const qsizetype wrong = firstDisagreement(
+        entries, [manager](const VeskBuddy &entry) { return manager->filter(entry); },
+        HandWritten::benchmarkFilter);
+    if (wrong >= 0) {
+        state.SkipWithError(
+            QStringLiteral("library and hand-written filter disagree on entry %1 (%2)")
+                .arg(wrong)
+                .arg(entries[std::size_t(wrong)].getDisplay())
+                .toUtf8()
+                .constData());
+        return false;
+    }
+    checked.insert(entries.size());
+    return true;
+}
+
+void filterWithLibrary(benchmark::State &state)
+{
+    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const VeskRosterFiltersManager *manager = BenchWorld::filtersManager();
+    if (!answersAgree(state, entries))
+        return;
+    timeFilter(
+        state, entries, [manager](const VeskBuddy &entry) { return manager->filter(entry); });
+}
+
+void filterHandWritten(benchmark::State &state)
+{
+    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    timeFilter(state, entries, HandWritten::benchmarkFilter);
+}
+
+// A new proxy for every pass: the time until the proxy knows its row count,
+// which is when a view could show the filtered roster.
+void filterWithProxy(benchmark::State &state)
+{
+    QStandardItemModel *model = RosterItemModel::forRoster(int(state.range(0)));
+    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const int expected = countPassing(entries, HandWritten::benchmarkFilter);
+    int rows = 0;
+    for (auto _ : state) {
+        auto proxy = std::make_unique<RosterFilterProxy>();
+        proxy->setSourceModel(model);
+        rows = proxy->rowCount();
+        benchmark::DoNotOptimize(rows);
+        state.PauseTiming();
+        proxy.reset();
+        state.ResumeTiming();
+    }
+    if (rows != expected) {
+        state.SkipWithError(QStringLiteral("proxy passes %1 rows, the library %2")
+                                .arg(rows)
+                                .arg(expected)
+                                .toUtf8()
+                                .constData());
+        return;
+    }
+    state.counters["entries"] = double(entries.size());
+    state.counters["passed"] = rows;
+    state.SetItemsProcessed(qint64(state.iterations()) * qint64(entries.size()));
+}
+
+// One leaf kind alone, the library's filter and the hand-written predicate.
+struct LeafCase
+{
+    QString kind;
+    std::function<QList<VeskField>()> fields;
+    std::function<Predicate()> hand;
+};
+
+QString firstAccountIdentity()
+{
+    const QList<VeskAccountConnection *> accounts
+        = VeskAccountManager::getInstance()->getAccounts();
+    if (accounts.isEmpty())
+        return QString();
+    return accounts.first()->getUid() + QLatin1Char('@') + accounts.first()->getProtocolName();
+}
+
+QString firstProtocolName()
+{
+    const QList<VeskAccountConnection *> accounts
+        = VeskAccountManager::getInstance()->getAccounts();
+    return accounts.isEmpty() ? QString() : accounts.first()->getProtocolName();
+}
+
+QList<LeafCase> leafCases()
+{
+    using namespace BenchWorld;
+    using namespace std::placeholders;
+    const QString an = QStringLiteral("an");
+    const QString description = QStringLiteral("e");
+    const QString blocked = QStringLiteral("Blocked");
+    const QString online = QStringLiteral("online");
+    return {
+        { QStringLiteral("display"),
+            [=] {
+                return textFields(
+                    QStringLiteral("contains"), QStringLiteral("display_filter_regexp"), an);
+            },
+            [=] {
+                return Predicate(std::bind(HandWritten::displayContains, _1, an));
+            } },
+        { QStringLiteral("group"),
+            [=] { return choiceFields(false, QStringLiteral("group_filter_presence"), blocked); },
+            [=] {
+                return Predicate(std::bind(HandWritten::groupIs, _1, blocked, false));
+            } },
+        { QStringLiteral("account"),
+            [] {
+                return choiceFields(
+                    true, QStringLiteral("account_filter_presence"), firstAccountIdentity());
+            },
+            [] {
+                return Predicate(
+                    std::bind(HandWritten::accountIs, _1, firstAccountIdentity(), true));
+            } },
+        { QStringLiteral("protocol"),
+            [] {
+                return choiceFields(
+                    true, QStringLiteral("protocol_filter_presence"), firstProtocolName());
+            },
+            [] {
+                return Predicate(std::bind(HandWritten::protocolIs, _1, firstProtocolName(), true));
+            } },
+        { QStringLiteral("presence"),
+            [=] { return choiceFields(true, QStringLiteral("presence_filter_presence"), online); },
+            [=] {
+                return Predicate(std::bind(HandWritten::presenceIs, _1, online, true));
+            } },
+        { QStringLiteral("description"),
+            [=] {
+                return textFields(QStringLiteral("contains"),
+                    QStringLiteral("description_filter_regexp"), description);
+            },
+            [=] {
+                return Predicate(std::bind(HandWritten::descriptionContains, _1, description));
+            } },
+    };
+}
+
+void leafWithLibrary(benchmark::State &state, const LeafCase &leafCase)
+{
+    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    BenchWorld::filtersManager();
+    std::unique_ptr<VeskRosterFilter> leaf(
+        BenchWorld::createLeaf(leafCase.kind, leafCase.fields()));
+    if (!leaf) {
+        state.SkipWithError("the filters manager creates no filter of this kind");
+        return;
+    }
+    const VeskRosterFilter *filter = leaf.get();
+    auto library = [filter](const VeskBuddy &entry) {
+        return filter->filter(entry);
+    };
+    const qsizetype wrong = firstDisagreement(entries, library, leafCase.hand());
+    if (wrong >= 0) {
+        state.SkipWithError(
+            QStringLiteral("library and hand-written %1 filter disagree on entry %2 (%3)")
+                .arg(leafCase.kind)
+                .arg(wrong)
+                .arg(entries[std::size_t(wrong)].getDisplay())
+                .toUtf8()
+                .constData());
+        return;
+    }
+    timeFilter(state, entries, library);
+}
+
+void leafHandWritten(benchmark::State &state, const LeafCase &leafCase)
+{
+    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    timeFilter(state, entries, leafCase.hand());
+}
+
+} // namespace
+
+void registerFilterBenchmarks(int contacts)
+{
+    const int repetitions = contacts >= 1000000 ? 1 : 3;
+    benchmark::RegisterBenchmark("Filter/Library", filterWithLibrary)
+        ->Arg(contacts)
+        ->Repetitions(repetitions)
+        ->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark("Filter/HandWritten", filterHandWritten)
+        ->Arg(contacts)
+        ->Repetitions(repetitions)
+        ->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark("Filter/Proxy", filterWithProxy)
+        ->Arg(contacts)
+        ->Repetitions(repetitions)
+        ->Unit(benchmark::kMicrosecond);
+}
+
+void registerLeafBenchmarks(int contacts)
+{
+    const QList<LeafCase> cases = leafCases();
+    for (const LeafCase &leafCase : cases) {
+        const std::string kind = leafCase.kind.toStdString();
+        benchmark::RegisterBenchmark(
+            ("Leaf/" + kind + "/Library").c_str(), leafWithLibrary, leafCase)
+            ->Arg(contacts)
+            ->Repetitions(3)
+            ->Unit(benchmark::kMicrosecond);
+        benchmark::RegisterBenchmark(
+            ("Leaf/" + kind + "/HandWritten").c_str(), leafHandWritten, leafCase)
+            ->Arg(contacts)
+            ->Repetitions(3)
+            ->Unit(benchmark::kMicrosecond);
+    }
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+class VeskBuddy;
+
+// The fastest code we know that gives the library's answers, written against
+// the same host operations: the limit the library is measured against.
+namespace HandWritten {
+
+// AND[display contains "an", OR[presence is "online", presence is "away"],
+// group is not "Blocked"]: the benchmarks' current filter.
+bool benchmarkFilter(const VeskBuddy &buddy);
+
+// The six leaf conditions the leaf benchmarks configure.
+bool displayContains(const VeskBuddy &buddy, const QString &text);
+bool descriptionContains(const VeskBuddy &buddy, const QString &text);
+bool groupIs(const VeskBuddy &buddy, const QString &group, bool positive);
+bool presenceIs(const VeskBuddy &buddy, const QString &presenceId, bool positive);
+bool accountIs(const VeskBuddy &buddy, const QString &accountIdentity, bool positive);
+bool protocolIs(const VeskBuddy &buddy, const QString &protocolName, bool positive);
+
+// The sorting methods [presence ascending, name descending] and [chats count
+// descending, name descending], answered as the sorters manager answers them.
+// A descending name comparator puts names in alphabetical order.
+bool presenceThenName(const VeskBuddy &a, const VeskBuddy &b);
+bool chatsThenName(const VeskBuddy &a, const VeskBuddy &b);
+
+} // namespace HandWritten
