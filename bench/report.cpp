@@ -44,7 +44,11 @@ QHash<QString, Run> collectRuns(const QJsonArray &benchmarks)
     QHash<QString, bool> fromMedian;
     for (const QJsonValue &value : benchmarks) {
         const QJsonObject object = value.toObject();
-        const QString name = object.value(QLatin1String("run_name")).toString();
+        // "Sort/ChatsName/Library/1000/repeats:3" and "StartUp/100/iterations:20/manual_time"
+        // both name their run without the options.
+        static const QRegularExpression options(
+            QStringLiteral("/(repeats|iterations|min_time):[^/]*|/manual_time"));
+        const QString name = object.value(QLatin1String("run_name")).toString().remove(options);
         const bool isMedian
             = object.value(QLatin1String("aggregate_name")).toString() == QLatin1String("median");
         const bool isAggregate
@@ -80,6 +84,11 @@ QString grouped(qint64 value)
     for (int i = text.size() - 3; i > 0; i -= 3)
         text.insert(i, QLatin1Char(','));
     return text;
+}
+
+QString groupedCell(const std::optional<double> &value)
+{
+    return value ? grouped(qint64(std::llround(*value))) : QStringLiteral("–");
 }
 
 QString ratio(double value)
@@ -227,7 +236,7 @@ int main(int argc, char **argv)
     out << "| Build | CMake Release (-O2, no sanitizers); Google Benchmark library built as "
         << context.value(QLatin1String("library_build_type")).toString() << " |\n";
     if (args.size() > 3)
-        out << "| Whole `./run bench` | " << args.at(3) << " s, build included |\n";
+        out << "| Duration | " << args.at(3) << " s for the benchmarks, without the build |\n";
     out << "\nRosters come from `VeskRosterFile::generate(contacts, 20261123)`. Times are CPU time "
            "of the benchmark thread (start-up: wall time); the median of three repetitions, one "
            "run "
@@ -329,8 +338,8 @@ int main(int argc, char **argv)
         const QString proxy = QStringLiteral("Filter/Proxy/") + n;
         if (!report.has(library))
             continue;
-        out << "| " << grouped(contacts) << " | " << report.cell(report.counter(hand, "entries"), 0)
-            << " | " << report.cell(report.counter(hand, "passed"), 0) << " | "
+        out << "| " << grouped(contacts) << " | " << groupedCell(report.counter(hand, "entries"))
+            << " | " << groupedCell(report.counter(hand, "passed")) << " | "
             << report.cell(report.nsPerEntry(library), 1, library) << " | "
             << report.cell(report.nsPerEntry(hand), 1, hand) << " | "
             << report.cell(report.nsPerEntry(proxy), 1, proxy) << " | "
@@ -430,6 +439,8 @@ int main(int argc, char **argv)
         QTextStream(stderr) << "vesk-bench-report: cannot write " << args.at(2) << '\n';
         return 1;
     }
-    QTextStream(stdout) << text;
+    QTextStream console(stdout);
+    console.setCodec("UTF-8");
+    console << text;
     return 0;
 }
