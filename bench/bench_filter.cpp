@@ -96,7 +96,10 @@ bool answersAgree(benchmark::State &state, const std::vector<VeskBuddy> &entries
 
 void filterWithLibrary(benchmark::State &state)
 {
-    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
     const VeskRosterFiltersManager *manager = BenchWorld::filtersManager();
     if (!answersAgree(state, entries))
         return;
@@ -106,7 +109,10 @@ void filterWithLibrary(benchmark::State &state)
 
 void filterHandWritten(benchmark::State &state)
 {
-    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
     timeFilter(state, entries, HandWritten::benchmarkFilter);
 }
 
@@ -115,7 +121,10 @@ void filterHandWritten(benchmark::State &state)
 void filterWithProxy(benchmark::State &state)
 {
     QStandardItemModel *model = RosterItemModel::forRoster(int(state.range(0)));
-    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
     const int expected = countPassing(entries, HandWritten::benchmarkFilter);
     int rows = 0;
     for (auto _ : state) {
@@ -221,7 +230,10 @@ QList<LeafCase> leafCases()
 
 void leafWithLibrary(benchmark::State &state, const LeafCase &leafCase)
 {
-    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
     BenchWorld::filtersManager();
     std::unique_ptr<VeskRosterFilter> leaf(
         BenchWorld::createLeaf(leafCase.kind, leafCase.fields()));
@@ -249,7 +261,10 @@ void leafWithLibrary(benchmark::State &state, const LeafCase &leafCase)
 
 void leafHandWritten(benchmark::State &state, const LeafCase &leafCase)
 {
-    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
     timeFilter(state, entries, leafCase.hand());
 }
 

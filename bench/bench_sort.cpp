@@ -110,7 +110,10 @@ void timeStableSort(
 
 void sortWithLibrary(benchmark::State &state, const Method &method)
 {
-    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
     const VeskRosterSortersManager *sorters
         = BenchWorld::sortersManager(QString::fromLatin1(method.methodName));
     if (!answersAgree(state, method, entries, sorters))
@@ -121,7 +124,10 @@ void sortWithLibrary(benchmark::State &state, const Method &method)
 
 void sortHandWritten(benchmark::State &state, const Method &method)
 {
-    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
     timeStableSort(state, entries, method.hand);
 }
 
@@ -148,7 +154,10 @@ void sortWithProxy(benchmark::State &state, const Method &method)
 // once (counted apart, in key_build_ms), then only keys compared.
 void sortByCollationKeys(benchmark::State &state, const Method &method)
 {
-    const std::vector<VeskBuddy> &entries = BenchRoster::load(int(state.range(0)));
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
     QCollator collator;
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     QElapsedTimer buildTimer;

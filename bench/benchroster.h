@@ -4,6 +4,10 @@
 
 #include <vector>
 
+namespace benchmark {
+class State;
+}
+
 // The synthetic rosters of `vesk-roster generate`, loaded into the stand-in
 // host. One roster is loaded at a time; loading another size replaces it, and
 // with it every account and protocol of the host.
@@ -16,5 +20,9 @@ constexpr quint32 seed = 20261123;
 // returns its entries (groups, contacts and temporary contacts) in roster
 // order. Returns an empty list when the roster cannot be built.
 const std::vector<VeskBuddy> &load(int contacts);
+
+// The roster of state.range(0) contacts; null, with the benchmark marked as
+// failed, when it cannot be built.
+const std::vector<VeskBuddy> *load(benchmark::State &state);
 
 } // namespace BenchRoster

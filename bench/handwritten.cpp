@@ -61,15 +61,47 @@ int chatsCountOf(const VeskBuddy &buddy)
     return count.getType() == VeskArg::TypeInt ? count.toInt() : 0;
 }
 
+// QString::toLower() into a buffer that keeps its capacity, so that comparing
+// two names allocates nothing once the buffers have grown. Gives exactly
+// toLower()'s text: code point by code point, surrogate pairs as one, and the
+// one character whose lower case is two characters (U+0130) left to toLower().
+void lowerInto(const QString &text, QString &buffer)
+{
+    const int size = text.size();
+    buffer.resize(size);
+    const QChar *from = text.constData();
+    QChar *to = buffer.data();
+    for (int i = 0; i < size; ++i) {
+        const QChar c = from[i];
+        if (c.unicode() < 0x80) {
+            to[i] = c.unicode() >= 'A' && c.unicode() <= 'Z' ? QChar(c.unicode() + 0x20) : c;
+        } else if (c.unicode() == 0x130) {
+            buffer = text.toLower();
+            return;
+        } else if (c.isHighSurrogate() && i + 1 < size && from[i + 1].isLowSurrogate()) {
+            const uint lower = QChar::toLower(QChar::surrogateToUcs4(c, from[i + 1]));
+            to[i] = QChar(QChar::highSurrogate(lower));
+            to[i + 1] = QChar(QChar::lowSurrogate(lower));
+            ++i;
+        } else {
+            to[i] = c.toLower();
+        }
+    }
+}
+
 int nameValue(const VeskBuddy &a, const VeskBuddy &b)
 {
+    thread_local QString lowerA;
+    thread_local QString lowerB;
     if (a.getType() == VeskBuddy::TypeGroup && b.getType() == VeskBuddy::TypeGroup) {
         const int positionA = VeskBuddyGroup(a).getPos();
         const int positionB = VeskBuddyGroup(b).getPos();
         if (positionA != 0 || positionB != 0)
             return positionA > positionB ? 1 : 0;
     }
-    return a.getDisplay().toLower().localeAwareCompare(b.getDisplay().toLower());
+    lowerInto(a.getDisplay(), lowerA);
+    lowerInto(b.getDisplay(), lowerB);
+    return lowerA.localeAwareCompare(lowerB);
 }
 
 } // namespace
@@ -137,7 +169,7 @@ bool HandWritten::protocolIs(const VeskBuddy &buddy, const QString &protocolName
 bool HandWritten::presenceThenName(const VeskBuddy &a, const VeskBuddy &b)
 {
     if (const int presence = presenceValue(a, b))
-        return presence > 0;
+        return presence < 0;
     return nameValue(a, b) < 0;
 }
 

@@ -20,9 +20,10 @@ bool presenceIs(const VeskBuddy &buddy, const QString &presenceId, bool positive
 bool accountIs(const VeskBuddy &buddy, const QString &accountIdentity, bool positive);
 bool protocolIs(const VeskBuddy &buddy, const QString &protocolName, bool positive);
 
-// The sorting methods [presence ascending, name descending] and [chats count
+// The sorting methods [presence descending, name descending] and [chats count
 // descending, name descending], answered as the sorters manager answers them.
-// A descending name comparator puts names in alphabetical order.
+// Descending is what a user picks here: contacts that are not offline (flag 5)
+// first, most chats first, names in alphabetical order.
 bool presenceThenName(const VeskBuddy &a, const VeskBuddy &b);
 bool chatsThenName(const VeskBuddy &a, const VeskBuddy &b);
 

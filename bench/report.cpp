@@ -369,9 +369,10 @@ int main(int argc, char **argv)
     }
 
     out << "\n## Sorting every entry\n\n"
-           "`std::stable_sort` with `VeskRosterSortersManager::lessThan` (methods [presence "
-           "ascending, name descending] and [chats_count descending, name descending], i.e. names "
-           "A to Z), with the hand-written comparator, `QSortFilterProxyModel::sort` "
+           "`std::stable_sort` with `VeskRosterSortersManager::lessThan` (methods [presence, "
+           "name] and [chats_count, name], every comparator descending: contacts that are not "
+           "offline first, most chats first, names A to Z), with the hand-written comparator, "
+           "`QSortFilterProxyModel::sort` "
            "(`setSortLocaleAware(true)`, case-insensitive; a `lessThan` override compares the "
            "first key from a role, then calls the proxy's own comparison), and, for information "
            "only, `std::stable_sort` over precomputed `QCollatorSortKey`s (building the keys is "

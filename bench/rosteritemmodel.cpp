@@ -29,7 +29,7 @@ int RosterItemModel::presenceRank(const VeskBuddy &entry)
     const int subscription = type == VeskBuddy::TypeContact
         ? VeskBuddyContact(entry).getSubscription().getPriority()
         : 0;
-    return (presenceOf(entry, type).getFlag() == 5 ? 0 : 1000) + subscription;
+    return (presenceOf(entry, type).getFlag() == 5 ? 1000 : 0) - subscription;
 }
 
 int RosterItemModel::chatsRank(const VeskBuddy &entry)

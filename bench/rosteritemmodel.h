@@ -16,7 +16,7 @@ namespace RosterItemModel {
 enum Role {
     PresenceIdRole = Qt::UserRole + 1, // presence id of a contact or temporary contact
     GroupNameRole, // the group name the group filter compares
-    PresenceRankRole, // presence flag 5 first, then by subscription priority
+    PresenceRankRole, // presence flag 5 last, then by subscription priority, highest first
     ChatsRankRole, // most chats first
 };
 
