@@ -16,7 +16,7 @@ export LC_ALL=C.UTF-8
 
 "$BUILD/bench/vesk-bench" \
     --benchmark_out="$JSON" --benchmark_out_format=json \
-    --benchmark_counters_tabular=true "$@"
+    --benchmark_display_aggregates_only=true "$@"
 
 echo
 "$BUILD/bench/vesk-bench-report" "$JSON" "$HERE/RESULTS.md" "$(( $(date +%s) - START ))"
