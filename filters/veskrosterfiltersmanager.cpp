@@ -1,31 +1,260 @@
-// PLACEHOLDER: replaced by the real implementation; exists only so the tree links.
 #include "veskrosterfiltersmanager.h"
 
+#include "veskaccountfilter.h"
 #include "veskdefaultfilter.h"
+#include "veskdescriptionfilter.h"
+#include "veskdisplayfilter.h"
+#include "veskgroupfilter.h"
+#include "veskpresencefilter.h"
+#include "veskprotocolfilter.h"
+#include "veskrosterfiltersstack.h"
+#include "veskrostersortersmanager.h"
+#include "veskstackfile_p.h"
+
+#include <veskfield.h>
+#include <vesksettingsmanager.h>
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <algorithm>
+
+namespace {
+
+const QLatin1String defaultId("default");
+
+VeskField currentFilterField(const QString &id)
+{
+    return VeskField::lineEdit(QString(), QStringLiteral("roster_filter"), id, 32767, QString());
+}
+
+VeskField orderField(const QStringList &order)
+{
+    return VeskField::comboBox(
+        QString(), QStringLiteral("filters"), order, QStringList(), QString(), QString());
+}
+
+} // namespace
 
 VeskRosterFiltersManager *VeskRosterFiltersManager::instance = nullptr;
+
 VeskRosterFiltersManager *VeskRosterFiltersManager::getInstance()
 {
-    if (!instance) { instance = new VeskRosterFiltersManager; instance->readFilters(); instance->setupCurrentFilter(); }
+    if (!instance) {
+        // Published before loading: the stack files' reader asks this very
+        // instance for the filters it creates.
+        instance = new VeskRosterFiltersManager;
+        instance->readFilters();
+        instance->setupCurrentFilter();
+    }
     return instance;
 }
-VeskRosterFiltersManager::VeskRosterFiltersManager() : current(nullptr) {}
-VeskRosterFiltersManager::~VeskRosterFiltersManager() { instance = nullptr; }
-bool VeskRosterFiltersManager::filter(const VeskBuddy &buddy) const { return !current || current->filter(buddy); }
-VeskRosterFilter *VeskRosterFiltersManager::getCurrentFilter() { return current; }
-QString VeskRosterFiltersManager::getCurrentFilterName() const { return current ? current->id() : QString(); }
-void VeskRosterFiltersManager::setCurrentFilter(const QString &id) { if (stacks.contains(id)) current = stacks.value(id); }
-void VeskRosterFiltersManager::setupCurrentFilter() { setCurrentFilter(QStringLiteral("default")); }
-void VeskRosterFiltersManager::readFilters() { stacks.insert(QStringLiteral("default"), new VeskDefaultFilter); order = QStringList{QStringLiteral("default")}; }
-QStringList VeskRosterFiltersManager::getFilterNames() const { return order; }
-QStringList VeskRosterFiltersManager::getAvailableFilters() const { return filterNames.keys(); }
-QString VeskRosterFiltersManager::getFilterName(const QString &kindId) const { return filterNames.value(kindId); }
-QString VeskRosterFiltersManager::getFilterId(const QString &kindName) const { return filterNames.key(kindName); }
-VeskRosterFilter *VeskRosterFiltersManager::createFilter(const QString &, VeskRosterFilter::RosterFilterType) { return nullptr; }
-VeskRosterFiltersStack *VeskRosterFiltersManager::addStackFilter(const QString &name, VeskRosterFilter::RosterFilterType type)
-{ auto *s = new VeskRosterFiltersStack(name, type); stacks.insert(name, s); order.append(name); return s; }
-VeskRosterFiltersStack *VeskRosterFiltersManager::getStackFilter(const QString &id) { return id == QLatin1String("default") ? nullptr : stacks.value(id); }
-void VeskRosterFiltersManager::rename(const QString &, const QString &) {}
-void VeskRosterFiltersManager::removeStackFilter(const QString &) {}
-void VeskRosterFiltersManager::upFilter(const QString &) {}
-void VeskRosterFiltersManager::downFilter(const QString &) {}
+
+VeskRosterFiltersManager::VeskRosterFiltersManager()
+    : current(nullptr)
+{
+    static const struct
+    {
+        const char *source;
+        const char *comment;
+    } kinds[] = {
+        QT_TRANSLATE_NOOP3("translation", "presence", "nc"),
+        QT_TRANSLATE_NOOP3("translation", "display", "nc"),
+        QT_TRANSLATE_NOOP3("translation", "protocol", "nc"),
+        QT_TRANSLATE_NOOP3("translation", "account", "nc"),
+        QT_TRANSLATE_NOOP3("translation", "description", "nc"),
+        QT_TRANSLATE_NOOP3("translation", "group", "nc"),
+    };
+    for (const auto &kind : kinds)
+        filterNames.insert(QString::fromLatin1(kind.source),
+            QCoreApplication::translate("translation", kind.source, kind.comment));
+}
+
+VeskRosterFiltersManager::~VeskRosterFiltersManager()
+{
+    if (instance == this)
+        instance = nullptr;
+}
+
+bool VeskRosterFiltersManager::filter(const VeskBuddy &buddy) const
+{
+    return !current || current->filter(buddy);
+}
+
+VeskRosterFilter *VeskRosterFiltersManager::getCurrentFilter()
+{
+    return current;
+}
+
+QString VeskRosterFiltersManager::getCurrentFilterName() const
+{
+    return current ? current->id() : QString();
+}
+
+void VeskRosterFiltersManager::setCurrentFilter(const QString &id)
+{
+    VeskRosterFiltersStack *filter = stacks.value(id);
+    if (!filter)
+        return;
+    // The sorters manager reads the current filter back, so it is set first.
+    current = filter;
+    VeskSettingsManagerPrivate::settingsMgrPrivInstance->writeGlobalSetting(currentFilterField(id));
+    VeskRosterSortersManager::getInstance()->setCurrentSorter(filter->getSorter());
+}
+
+void VeskRosterFiltersManager::setupCurrentFilter()
+{
+    const QString id = VeskSettingsManager::getInstance()
+                           ->readGlobalSetting(currentFilterField(QString(defaultId)))
+                           .getText();
+    setCurrentFilter(stacks.contains(id) ? id : QString(defaultId));
+}
+
+void VeskRosterFiltersManager::readFilters()
+{
+    // Hidden files (among them the temporary files of an interrupted save)
+    // are left out of the listing.
+    const QStringList files = QDir(VeskStackFile::directory()).entryList(QDir::Files, QDir::NoSort);
+    for (const QString &file : files) {
+        QString id;
+        // The default filter reads its own file; a stack made for it here
+        // would only be dropped from the table below.
+        if (!VeskStackFile::idForFile(file, &id) || id == defaultId)
+            continue;
+        stacks.insert(id, new VeskRosterFiltersStack(id, VeskRosterFilter::RosterFilterDefault));
+    }
+
+    order
+        = VeskSettingsManager::getInstance()->readGlobalSetting(orderField(order)).getComboBoxIds();
+
+    stacks.insert(defaultId, new VeskDefaultFilter);
+    order.removeAll(defaultId);
+    order.prepend(defaultId);
+
+    const QStringList stored = order;
+    for (const QString &id : stored) {
+        if (id != defaultId && !stacks.contains(id))
+            order.removeAll(id);
+    }
+    for (auto it = stacks.cbegin(); it != stacks.cend(); ++it) {
+        if (!order.contains(it.key()))
+            order.append(it.key());
+    }
+}
+
+QStringList VeskRosterFiltersManager::getFilterNames() const
+{
+    return order;
+}
+
+QStringList VeskRosterFiltersManager::getAvailableFilters() const
+{
+    return filterNames.keys();
+}
+
+QString VeskRosterFiltersManager::getFilterName(const QString &kindId) const
+{
+    return filterNames.value(kindId);
+}
+
+QString VeskRosterFiltersManager::getFilterId(const QString &kindName) const
+{
+    for (auto it = filterNames.cbegin(); it != filterNames.cend(); ++it) {
+        if (it.value() == kindName)
+            return it.key();
+    }
+    return QString();
+}
+
+VeskRosterFilter *VeskRosterFiltersManager::createFilter(
+    const QString &kindId, VeskRosterFilter::RosterFilterType type)
+{
+    if (kindId == QLatin1String("presence"))
+        return new VeskPresenceFilter;
+    if (kindId == QLatin1String("display"))
+        return new VeskDisplayFilter;
+    if (kindId == QLatin1String("protocol"))
+        return new VeskProtocolFilter;
+    if (kindId == QLatin1String("account"))
+        return new VeskAccountFilter;
+    if (kindId == QLatin1String("description"))
+        return new VeskDescriptionFilter;
+    if (kindId == QLatin1String("group"))
+        return new VeskGroupFilter;
+    if (kindId == QLatin1String("stack_filter"))
+        return new VeskRosterFiltersStack(QString(), type);
+    return nullptr;
+}
+
+VeskRosterFiltersStack *VeskRosterFiltersManager::addStackFilter(
+    const QString &name, VeskRosterFilter::RosterFilterType type)
+{
+    // Registering a stack under "default" would take the default filter out
+    // of the table for good.
+    if (name == defaultId)
+        return nullptr;
+    auto *stack = new VeskRosterFiltersStack(name, type);
+    stacks.insert(name, stack);
+    order.append(name);
+    return stack;
+}
+
+VeskRosterFiltersStack *VeskRosterFiltersManager::getStackFilter(const QString &id)
+{
+    if (id == defaultId)
+        return nullptr;
+    return stacks.value(id);
+}
+
+void VeskRosterFiltersManager::rename(const QString &oldId, const QString &newId)
+{
+    // Refused: the default filter, an unknown stack, an empty name (it has no
+    // file, so the stack would be gone after a restart) and a name in use
+    // (its stack and file would be lost).
+    if (oldId == defaultId || newId == defaultId || newId.isEmpty() || oldId == newId
+        || !stacks.contains(oldId) || stacks.contains(newId))
+        return;
+
+    VeskRosterFiltersStack *stack = stacks.take(oldId);
+    stacks.insert(newId, stack);
+    stack->setName(newId);
+
+    // Display order, stored order and file follow the new name, so the
+    // filter is found again at its place after a restart.
+    std::replace(order.begin(), order.end(), oldId, newId);
+    VeskSettingsManager::getInstance()->writeGlobalSetting(orderField(order));
+    VeskStackFile::move(oldId, newId);
+
+    if (stack == current)
+        setCurrentFilter(newId);
+}
+
+void VeskRosterFiltersManager::removeStackFilter(const QString &id)
+{
+    if (id == defaultId)
+        return;
+    const auto it = stacks.constFind(id);
+    if (it != stacks.cend()) {
+        if (it.value() == current)
+            current = stacks.value(defaultId);
+        stacks.erase(it);
+    }
+    order.removeAll(id);
+    VeskStackFile::remove(id);
+}
+
+void VeskRosterFiltersManager::upFilter(const QString &id)
+{
+    const int i = order.indexOf(id);
+    if (i >= 2)
+        order.swapItemsAt(i, i - 1);
+    VeskSettingsManager::getInstance()->writeGlobalSetting(orderField(order));
+}
+
+void VeskRosterFiltersManager::downFilter(const QString &id)
+{
+    const int i = order.indexOf(id);
+    if (i >= 0 && i + 1 < order.size())
+        order.swapItemsAt(i, i + 1);
+    VeskSettingsManager::getInstance()->writeGlobalSetting(orderField(order));
+}

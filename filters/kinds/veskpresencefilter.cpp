@@ -1,12 +1,97 @@
-// PLACEHOLDER: replaced by the real implementation; exists only so the tree links.
 #include "veskpresencefilter.h"
 
-VeskPresenceFilter::VeskPresenceFilter() : positive(true) {}
+#include <veskbuddy.h>
+#include <veskpresence.h>
+#include <veskprotocol.h>
+
+#include <QCoreApplication>
+
+VeskPresenceFilter::VeskPresenceFilter()
+    : positive(true)
+{ }
+
 VeskPresenceFilter::~VeskPresenceFilter() = default;
-VeskRosterFilter::RosterFilterType VeskPresenceFilter::getType() const { return RosterFilterLeaf; }
-QString VeskPresenceFilter::id() const { return QStringLiteral("presence"); }
-QString VeskPresenceFilter::name() const { return QStringLiteral("presence"); }
-QString VeskPresenceFilter::display() const { return QString(); }
-bool VeskPresenceFilter::filter(const VeskBuddy &) const { return false; }
-QList<VeskField> VeskPresenceFilter::getConfiguration() const { return {}; }
-void VeskPresenceFilter::setConfiguration(const QList<VeskField> &) {}
+
+VeskRosterFilter::RosterFilterType VeskPresenceFilter::getType() const
+{
+    return RosterFilterLeaf;
+}
+
+QString VeskPresenceFilter::id() const
+{
+    return QStringLiteral("presence");
+}
+
+QString VeskPresenceFilter::name() const
+{
+    return QCoreApplication::translate("translation", "presence", "filter name");
+}
+
+QString VeskPresenceFilter::display() const
+{
+    return QCoreApplication::translate("translation", "presence %1 %2", "roster filter")
+        .arg(conditionLabel)
+        .arg(presenceLabel);
+}
+
+bool VeskPresenceFilter::filter(const VeskBuddy &buddy) const
+{
+    QString entryPresence;
+    switch (buddy.getType()) {
+    case VeskBuddy::TypeContact:
+        entryPresence = VeskBuddyContact(buddy).getPresence().getId();
+        break;
+    case VeskBuddy::TypeTemporary:
+        entryPresence = VeskBuddyTemporary(buddy).getPresence().getId();
+        break;
+    default:
+        // Only contacts have a presence: they never are one, always are not.
+        return !positive;
+    }
+    return (entryPresence == presenceId) == positive;
+}
+
+QList<VeskField> VeskPresenceFilter::getConfiguration() const
+{
+    // One item per presence id: the first protocol offering an id gives it
+    // its label and its place.
+    QStringList ids;
+    QStringList labels;
+    const QList<VeskProtocol *> protocols
+        = VeskPluginManager::getInstance()->getRegisteredProtocols();
+    for (const VeskProtocol *protocol : protocols) {
+        const QList<VeskPresence> presences
+            = protocol->getAllPresences(QStringLiteral("___VeskBuddyDefaultType___"));
+        for (const VeskPresence &presence : presences) {
+            const QString id = presence.getId();
+            if (ids.contains(id))
+                continue;
+            labels.append(presence.getDisplay());
+            ids.append(id);
+        }
+    }
+
+    const QString is = QStringLiteral("is");
+    const QString isNot = QStringLiteral("is not");
+    return {
+        VeskField::comboBox(QString(), QStringLiteral("is_or_not"), { is, isNot },
+            { QCoreApplication::translate("translation", "is", "nc"),
+                QCoreApplication::translate("translation", "is not", "nc") },
+            positive ? is : isNot, QString()),
+        VeskField::comboBox(QString(), QStringLiteral("presence_filter_presence"), ids, labels,
+            presenceId, QString()),
+    };
+}
+
+void VeskPresenceFilter::setConfiguration(const QList<VeskField> &fields)
+{
+    for (const VeskField &field : fields) {
+        if (field.getId() == QLatin1String("is_or_not")) {
+            conditionLabel = field.getSelectedLabel();
+            positive = field.getSelectedId() == QLatin1String("is");
+        } else {
+            presenceId = field.getSelectedId();
+            presenceLabel = field.getSelectedLabel();
+        }
+    }
+}
