@@ -18,12 +18,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include <functional>
 #include <memory>
 
 namespace {
-
-using Predicate = std::function<bool(const VeskBuddy &)>;
 
 // Entries that pass; the same loop times the library and the hand-written code.
 template <typename Filter>
@@ -149,12 +146,21 @@ void filterWithProxy(benchmark::State &state)
     state.SetItemsProcessed(qint64(state.iterations()) * qint64(entries.size()));
 }
 
-// One leaf kind alone, the library's filter and the hand-written predicate.
+// One leaf kind alone, the library's filter and the hand-written predicate,
+// each reached through one indirect call.
 struct LeafCase
 {
     QString kind;
-    std::function<QList<VeskField>()> fields;
-    std::function<Predicate()> hand;
+    QString fieldId;
+    HandWritten::LeafPredicate hand;
+    bool positive;
+    QString (*value)(); // read once the roster is loaded
+    bool isText() const { return fieldId.endsWith(QLatin1String("_regexp")); }
+    QList<VeskField> fields() const
+    {
+        return isText() ? BenchWorld::textFields(QStringLiteral("contains"), fieldId, value())
+                        : BenchWorld::choiceFields(positive, fieldId, value());
+    }
 };
 
 QString firstAccountIdentity()
@@ -173,60 +179,31 @@ QString firstProtocolName()
     return accounts.isEmpty() ? QString() : accounts.first()->getProtocolName();
 }
 
-QList<LeafCase> leafCases()
-{
-    using namespace BenchWorld;
-    using namespace std::placeholders;
-    const QString an = QStringLiteral("an");
-    const QString description = QStringLiteral("e");
-    const QString blocked = QStringLiteral("Blocked");
-    const QString online = QStringLiteral("online");
-    return {
-        { QStringLiteral("display"),
-            [=] {
-                return textFields(
-                    QStringLiteral("contains"), QStringLiteral("display_filter_regexp"), an);
-            },
-            [=] {
-                return Predicate(std::bind(HandWritten::displayContains, _1, an));
-            } },
-        { QStringLiteral("group"),
-            [=] { return choiceFields(false, QStringLiteral("group_filter_presence"), blocked); },
-            [=] {
-                return Predicate(std::bind(HandWritten::groupIs, _1, blocked, false));
-            } },
-        { QStringLiteral("account"),
-            [] {
-                return choiceFields(
-                    true, QStringLiteral("account_filter_presence"), firstAccountIdentity());
-            },
-            [] {
-                return Predicate(
-                    std::bind(HandWritten::accountIs, _1, firstAccountIdentity(), true));
-            } },
-        { QStringLiteral("protocol"),
-            [] {
-                return choiceFields(
-                    true, QStringLiteral("protocol_filter_presence"), firstProtocolName());
-            },
-            [] {
-                return Predicate(std::bind(HandWritten::protocolIs, _1, firstProtocolName(), true));
-            } },
-        { QStringLiteral("presence"),
-            [=] { return choiceFields(true, QStringLiteral("presence_filter_presence"), online); },
-            [=] {
-                return Predicate(std::bind(HandWritten::presenceIs, _1, online, true));
-            } },
-        { QStringLiteral("description"),
-            [=] {
-                return textFields(QStringLiteral("contains"),
-                    QStringLiteral("description_filter_regexp"), description);
-            },
-            [=] {
-                return Predicate(std::bind(HandWritten::descriptionContains, _1, description));
-            } },
-    };
-}
+const LeafCase leafCases[] = {
+    { QStringLiteral("display"), QStringLiteral("display_filter_regexp"),
+        HandWritten::displayContains, true,
+        [] {
+            return QStringLiteral("an");
+        } },
+    { QStringLiteral("group"), QStringLiteral("group_filter_presence"), HandWritten::groupIs, false,
+        [] {
+            return QStringLiteral("Blocked");
+        } },
+    { QStringLiteral("account"), QStringLiteral("account_filter_presence"), HandWritten::accountIs,
+        true, firstAccountIdentity },
+    { QStringLiteral("protocol"), QStringLiteral("protocol_filter_presence"),
+        HandWritten::protocolIs, true, firstProtocolName },
+    { QStringLiteral("presence"), QStringLiteral("presence_filter_presence"),
+        HandWritten::presenceIs, true,
+        [] {
+            return QStringLiteral("online");
+        } },
+    { QStringLiteral("description"), QStringLiteral("description_filter_regexp"),
+        HandWritten::descriptionContains, true,
+        [] {
+            return QStringLiteral("e");
+        } },
+};
 
 void leafWithLibrary(benchmark::State &state, const LeafCase &leafCase)
 {
@@ -245,7 +222,11 @@ void leafWithLibrary(benchmark::State &state, const LeafCase &leafCase)
     auto library = [filter](const VeskBuddy &entry) {
         return filter->filter(entry);
     };
-    const qsizetype wrong = firstDisagreement(entries, library, leafCase.hand());
+    const HandWritten::LeafPredicate hand = leafCase.hand;
+    const QString value = leafCase.value();
+    const bool positive = leafCase.positive;
+    const qsizetype wrong = firstDisagreement(
+        entries, library, [&](const VeskBuddy &entry) { return hand(entry, value, positive); });
     if (wrong >= 0) {
         state.SkipWithError(
             QStringLiteral("library and hand-written %1 filter disagree on entry %2 (%3)")
@@ -264,8 +245,11 @@ void leafHandWritten(benchmark::State &state, const LeafCase &leafCase)
     const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
     if (!roster)
         return;
-    const std::vector<VeskBuddy> &entries = *roster;
-    timeFilter(state, entries, leafCase.hand());
+    const HandWritten::LeafPredicate hand = leafCase.hand;
+    const QString value = leafCase.value();
+    const bool positive = leafCase.positive;
+    timeFilter(
+        state, *roster, [&](const VeskBuddy &entry) { return hand(entry, value, positive); });
 }
 
 } // namespace
@@ -289,8 +273,7 @@ void registerFilterBenchmarks(int contacts)
 
 void registerLeafBenchmarks(int contacts)
 {
-    const QList<LeafCase> cases = leafCases();
-    for (const LeafCase &leafCase : cases) {
+    for (const LeafCase &leafCase : leafCases) {
         const std::string kind = leafCase.kind.toStdString();
         benchmark::RegisterBenchmark(
             ("Leaf/" + kind + "/Library").c_str(), leafWithLibrary, leafCase)

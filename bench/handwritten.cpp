@@ -119,12 +119,12 @@ bool HandWritten::benchmarkFilter(const VeskBuddy &buddy)
     return groupNameOf(buddy, type) != QLatin1String("Blocked");
 }
 
-bool HandWritten::displayContains(const VeskBuddy &buddy, const QString &text)
+bool HandWritten::displayContains(const VeskBuddy &buddy, const QString &text, bool)
 {
     return buddy.getDisplay().contains(text);
 }
 
-bool HandWritten::descriptionContains(const VeskBuddy &buddy, const QString &text)
+bool HandWritten::descriptionContains(const VeskBuddy &buddy, const QString &text, bool)
 {
     if (buddy.getType() != VeskBuddy::TypeContact)
         return false;

@@ -12,9 +12,12 @@ namespace HandWritten {
 // group is not "Blocked"]: the benchmarks' current filter.
 bool benchmarkFilter(const VeskBuddy &buddy);
 
-// The six leaf conditions the leaf benchmarks configure.
-bool displayContains(const VeskBuddy &buddy, const QString &text);
-bool descriptionContains(const VeskBuddy &buddy, const QString &text);
+// The six leaf conditions the leaf benchmarks configure, one signature for all:
+// "is" (positive) or "is not" a value; the text leaves test "contains" and
+// ignore `positive`.
+using LeafPredicate = bool (*)(const VeskBuddy &buddy, const QString &value, bool positive);
+bool displayContains(const VeskBuddy &buddy, const QString &text, bool);
+bool descriptionContains(const VeskBuddy &buddy, const QString &text, bool);
 bool groupIs(const VeskBuddy &buddy, const QString &group, bool positive);
 bool presenceIs(const VeskBuddy &buddy, const QString &presenceId, bool positive);
 bool accountIs(const VeskBuddy &buddy, const QString &accountIdentity, bool positive);
