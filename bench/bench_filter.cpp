@@ -134,11 +134,12 @@ void filterWithProxy(benchmark::State &state)
         state.ResumeTiming();
     }
     if (rows != expected) {
-        state.SkipWithError(QStringLiteral("proxy passes %1 rows, the library %2")
-                                .arg(rows)
-                                .arg(expected)
-                                .toUtf8()
-                                .constData());
+        state.SkipWithError(
+            QStringLiteral("the proxy passes %1 rows, the hand-written predicate %2")
+                .arg(rows)
+                .arg(expected)
+                .toUtf8()
+                .constData());
         return;
     }
     state.counters["entries"] = double(entries.size());
