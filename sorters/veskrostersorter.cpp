@@ -2,8 +2,7 @@
 
 VeskRosterSorter::VeskRosterSorter()
     : ascending(true)
-{
-}
+{ }
 
 VeskRosterSorter::~VeskRosterSorter() = default;
 

@@ -35,10 +35,23 @@ public:
     void removeSorter(const QString &name);
     void setSorterAscending(const QString &name, const QStringList &flags);
 
+    // A new comparator for one of "name", "presence", "presence_priority" and
+    // "chats_count", owned by the caller; null for any other id.
     VeskRosterSorter *createSorter(const QString &id);
+    // Builds the chain of the method (the default method for the empty name)
+    // and records the method in the current filter, or as the default while
+    // the default filter is current. Stored ids this version does not know
+    // are left out with their directions; positions without a stored
+    // direction are ascending.
     void setCurrentSorter(const QString &name);
 
+    // The first comparator of the chain that tells a and b apart decides:
+    // ascending, true when its value is positive; descending, when negative.
+    // Without a chain, standardSort() decides. All comparators' values are
+    // positive when a belongs after b, so a view places x before y when
+    // lessThan(y, x) is true.
     bool lessThan(const VeskBuddy &a, const VeskBuddy &b) const;
+    // Presence, then name, both read as ascending.
     bool standardSort(const VeskBuddy &a, const VeskBuddy &b) const;
 
 private:

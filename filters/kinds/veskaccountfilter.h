@@ -2,6 +2,9 @@
 
 #include "../veskrosterfilter.h"
 
+// Passes a contact or temporary contact known through, or not through, the
+// account the user chose; "is not" passes every other entry too. An account is
+// identified as its user id, "@" and its protocol name.
 class VESK_ROSTER_FILTER_EXPORT VeskAccountFilter : public VeskRosterFilter
 {
 public:

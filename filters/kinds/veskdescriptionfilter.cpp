@@ -1,12 +1,57 @@
-// PLACEHOLDER: replaced by the real implementation; exists only so the tree links.
 #include "veskdescriptionfilter.h"
+#include "../veskentrykind_p.h"
 
-VeskDescriptionFilter::VeskDescriptionFilter() {}
+#include "vesktextcondition_p.h"
+
+#include <veskbuddy.h>
+
+#include <QCoreApplication>
+
+namespace {
+const QString textFieldId = QStringLiteral("description_filter_regexp");
+} // namespace
+
+VeskDescriptionFilter::VeskDescriptionFilter()
+    : matchMode(VeskTextCondition::Equals)
+{ }
+
 VeskDescriptionFilter::~VeskDescriptionFilter() = default;
-VeskRosterFilter::RosterFilterType VeskDescriptionFilter::getType() const { return RosterFilterLeaf; }
-QString VeskDescriptionFilter::id() const { return QStringLiteral("description"); }
-QString VeskDescriptionFilter::name() const { return QStringLiteral("description"); }
-QString VeskDescriptionFilter::display() const { return QString(); }
-bool VeskDescriptionFilter::filter(const VeskBuddy &) const { return false; }
-QList<VeskField> VeskDescriptionFilter::getConfiguration() const { return {}; }
-void VeskDescriptionFilter::setConfiguration(const QList<VeskField> &) {}
+
+VeskRosterFilter::RosterFilterType VeskDescriptionFilter::getType() const
+{
+    return RosterFilterLeaf;
+}
+
+QString VeskDescriptionFilter::id() const
+{
+    return QStringLiteral("description");
+}
+
+QString VeskDescriptionFilter::name() const
+{
+    return QCoreApplication::translate("translation", "description", "filter name");
+}
+
+QString VeskDescriptionFilter::display() const
+{
+    return QCoreApplication::translate("translation", "description %1", "roster filter").arg(text);
+}
+
+bool VeskDescriptionFilter::filter(const VeskBuddy &buddy) const
+{
+    if (buddy.getType() != VeskEntryKind::Contact)
+        return false;
+    return VeskTextCondition::matches(
+        matchMode, matchText, VeskBuddyContact(buddy).getPresence().getDescription());
+}
+
+QList<VeskField> VeskDescriptionFilter::getConfiguration() const
+{
+    return VeskTextCondition::configuration(true, conditionId, textFieldId, text);
+}
+
+void VeskDescriptionFilter::setConfiguration(const QList<VeskField> &fields)
+{
+    VeskTextCondition::read(fields, textFieldId, &conditionId, &text);
+    VeskTextCondition::compile(conditionId, text, true, &matchMode, &matchText);
+}

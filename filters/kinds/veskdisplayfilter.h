@@ -2,6 +2,8 @@
 
 #include "../veskrosterfilter.h"
 
+// Passes an entry whose display name contains, does not contain or equals a
+// text the user typed.
 class VESK_ROSTER_FILTER_EXPORT VeskDisplayFilter : public VeskRosterFilter
 {
 public:
@@ -19,4 +21,9 @@ public:
 private:
     QString text;
     QString conditionId;
+    // What filter() tests, as the last known condition compiled it: a
+    // VeskTextCondition::Mode and the text it looks for. A new filter matches
+    // only the empty display name.
+    int matchMode;
+    QString matchText;
 };

@@ -1,12 +1,72 @@
-// PLACEHOLDER: replaced by the real implementation; exists only so the tree links.
 #include "veskgroupfilter.h"
+#include "../veskentrykind_p.h"
 
-VeskGroupFilter::VeskGroupFilter() : positive(true) {}
+#include "veskchoicecondition_p.h"
+
+#include <veskbuddy.h>
+#include <veskroster.h>
+
+#include <QCoreApplication>
+
+namespace {
+
+QString groupOf(const VeskBuddy &buddy)
+{
+    switch (buddy.getType()) {
+    case VeskEntryKind::Contact:
+        return VeskBuddyContact(buddy).getParent().getDisplay();
+    case VeskEntryKind::Temporary:
+        return VeskBuddyTemporary(buddy).getGroup().getDisplay();
+    default:
+        return QString();
+    }
+}
+
+} // namespace
+
+VeskGroupFilter::VeskGroupFilter()
+    : positive(true)
+{ }
+
 VeskGroupFilter::~VeskGroupFilter() = default;
-VeskRosterFilter::RosterFilterType VeskGroupFilter::getType() const { return RosterFilterLeaf; }
-QString VeskGroupFilter::id() const { return QStringLiteral("group"); }
-QString VeskGroupFilter::name() const { return QStringLiteral("group"); }
-QString VeskGroupFilter::display() const { return QString(); }
-bool VeskGroupFilter::filter(const VeskBuddy &) const { return false; }
-QList<VeskField> VeskGroupFilter::getConfiguration() const { return {}; }
-void VeskGroupFilter::setConfiguration(const QList<VeskField> &) {}
+
+VeskRosterFilter::RosterFilterType VeskGroupFilter::getType() const
+{
+    return RosterFilterLeaf;
+}
+
+QString VeskGroupFilter::id() const
+{
+    return QStringLiteral("group");
+}
+
+QString VeskGroupFilter::name() const
+{
+    // The one leaf name under the comment the filters manager uses for its
+    // kind names, so both share a translation.
+    return QCoreApplication::translate("translation", "group", "nc");
+}
+
+QString VeskGroupFilter::display() const
+{
+    // Reads as the condition followed by the group's own name, so there is no
+    // word of ours to translate.
+    return QStringLiteral("%1 %2").arg(conditionLabel).arg(groupName);
+}
+
+bool VeskGroupFilter::filter(const VeskBuddy &buddy) const
+{
+    return VeskChoiceCondition::decide(groupOf(buddy) == groupName, positive);
+}
+
+QList<VeskField> VeskGroupFilter::getConfiguration() const
+{
+    const QStringList groups = VeskRoster::getInstance()->getGroupsNames();
+    return VeskChoiceCondition::configuration(
+        positive, QStringLiteral("group_filter_presence"), groups, groups, groupName);
+}
+
+void VeskGroupFilter::setConfiguration(const QList<VeskField> &fields)
+{
+    VeskChoiceCondition::read(fields, &groupName, &positive, &conditionLabel);
+}

@@ -2,6 +2,8 @@
 
 #include "../veskrosterfilter.h"
 
+// Passes an entry whose group is, or is not, the group the user chose. Entries
+// other than contacts and temporary contacts stand in a group with an empty name.
 class VESK_ROSTER_FILTER_EXPORT VeskGroupFilter : public VeskRosterFilter
 {
 public:

@@ -1,4 +1,6 @@
 #include "veskpresencefilter.h"
+#include "../veskentrykind_p.h"
+#include "veskchoicecondition_p.h"
 
 #include <veskbuddy.h>
 #include <veskpresence.h>
@@ -38,17 +40,17 @@ bool VeskPresenceFilter::filter(const VeskBuddy &buddy) const
 {
     QString entryPresence;
     switch (buddy.getType()) {
-    case VeskBuddy::TypeContact:
+    case VeskEntryKind::Contact:
         entryPresence = VeskBuddyContact(buddy).getPresence().getId();
         break;
-    case VeskBuddy::TypeTemporary:
+    case VeskEntryKind::Temporary:
         entryPresence = VeskBuddyTemporary(buddy).getPresence().getId();
         break;
     default:
         // Only contacts have a presence: they never are one, always are not.
         return !positive;
     }
-    return (entryPresence == presenceId) == positive;
+    return VeskChoiceCondition::decide(entryPresence == presenceId, positive);
 }
 
 QList<VeskField> VeskPresenceFilter::getConfiguration() const
@@ -71,27 +73,11 @@ QList<VeskField> VeskPresenceFilter::getConfiguration() const
         }
     }
 
-    const QString is = QStringLiteral("is");
-    const QString isNot = QStringLiteral("is not");
-    return {
-        VeskField::comboBox(QString(), QStringLiteral("is_or_not"), { is, isNot },
-            { QCoreApplication::translate("translation", "is", "nc"),
-                QCoreApplication::translate("translation", "is not", "nc") },
-            positive ? is : isNot, QString()),
-        VeskField::comboBox(QString(), QStringLiteral("presence_filter_presence"), ids, labels,
-            presenceId, QString()),
-    };
+    return VeskChoiceCondition::configuration(
+        positive, QStringLiteral("presence_filter_presence"), ids, labels, presenceId);
 }
 
 void VeskPresenceFilter::setConfiguration(const QList<VeskField> &fields)
 {
-    for (const VeskField &field : fields) {
-        if (field.getId() == QLatin1String("is_or_not")) {
-            conditionLabel = field.getSelectedLabel();
-            positive = field.getSelectedId() == QLatin1String("is");
-        } else {
-            presenceId = field.getSelectedId();
-            presenceLabel = field.getSelectedLabel();
-        }
-    }
+    VeskChoiceCondition::read(fields, &presenceId, &positive, &conditionLabel, &presenceLabel);
 }

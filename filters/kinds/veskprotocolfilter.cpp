@@ -1,12 +1,56 @@
-// PLACEHOLDER: replaced by the real implementation; exists only so the tree links.
 #include "veskprotocolfilter.h"
 
-VeskProtocolFilter::VeskProtocolFilter() : positive(true) {}
+#include "veskchoicecondition_p.h"
+
+#include <veskaccount.h>
+
+#include <QCoreApplication>
+
+VeskProtocolFilter::VeskProtocolFilter()
+    : positive(true)
+{ }
+
 VeskProtocolFilter::~VeskProtocolFilter() = default;
-VeskRosterFilter::RosterFilterType VeskProtocolFilter::getType() const { return RosterFilterLeaf; }
-QString VeskProtocolFilter::id() const { return QStringLiteral("protocol"); }
-QString VeskProtocolFilter::name() const { return QStringLiteral("protocol"); }
-QString VeskProtocolFilter::display() const { return QString(); }
-bool VeskProtocolFilter::filter(const VeskBuddy &) const { return false; }
-QList<VeskField> VeskProtocolFilter::getConfiguration() const { return {}; }
-void VeskProtocolFilter::setConfiguration(const QList<VeskField> &) {}
+
+VeskRosterFilter::RosterFilterType VeskProtocolFilter::getType() const
+{
+    return RosterFilterLeaf;
+}
+
+QString VeskProtocolFilter::id() const
+{
+    return QStringLiteral("protocol");
+}
+
+QString VeskProtocolFilter::name() const
+{
+    return QCoreApplication::translate("translation", "protocol", "filter name");
+}
+
+QString VeskProtocolFilter::display() const
+{
+    return QCoreApplication::translate("translation", "protocol %1 %2", "roster filter")
+        .arg(conditionLabel)
+        .arg(protocolName);
+}
+
+bool VeskProtocolFilter::filter(const VeskBuddy &buddy) const
+{
+    const VeskAccountConnection *account = VeskChoiceCondition::accountOf(buddy);
+    if (!account)
+        return !positive;
+    return VeskChoiceCondition::decide(account->getProtocolName() == protocolName, positive);
+}
+
+QList<VeskField> VeskProtocolFilter::getConfiguration() const
+{
+    const QStringList protocols
+        = VeskChoiceCondition::distinctAccountTexts(VeskChoiceCondition::ProtocolName);
+    return VeskChoiceCondition::configuration(
+        positive, QStringLiteral("protocol_filter_presence"), protocols, protocols, protocolName);
+}
+
+void VeskProtocolFilter::setConfiguration(const QList<VeskField> &fields)
+{
+    VeskChoiceCondition::read(fields, &protocolName, &positive, &conditionLabel);
+}

@@ -2,6 +2,8 @@
 
 #include "../veskrosterfilter.h"
 
+// Passes a contact or temporary contact whose account is, or is not, of the
+// protocol the user chose; "is not" passes every other entry too.
 class VESK_ROSTER_FILTER_EXPORT VeskProtocolFilter : public VeskRosterFilter
 {
 public:

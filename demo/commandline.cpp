@@ -1,0 +1,79 @@
+#include "commandline.h"
+
+#include "refusal.h"
+#include "text_p.h"
+
+#include <QDir>
+
+namespace {
+
+QString defaultSettingsDir()
+{
+    const QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
+    const QString base = config.isEmpty() ? QDir::homePath() + QLatin1String("/.config") : config;
+    return base + QLatin1String("/vesk-roster/");
+}
+
+// "--name VALUE" or "--name=VALUE".
+bool takeValue(const QStringList &arguments, int *i, const QString &name, QString *value)
+{
+    const QString &arg = arguments.at(*i);
+    if (arg == name) {
+        if (*i + 1 >= arguments.size())
+            refuse(vtr("missing argument: %1 needs a value").arg(name));
+        *value = arguments.at(++*i);
+        return true;
+    }
+    if (arg.startsWith(name + QLatin1Char('='))) {
+        *value = arg.mid(name.size() + 1);
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+VeskCommandLine VeskCommandLine::parse(const QStringList &arguments)
+{
+    VeskCommandLine line;
+    line.settingsDir = defaultSettingsDir();
+    int i = 0;
+    for (; i < arguments.size(); ++i) {
+        const QString &arg = arguments.at(i);
+        if (!arg.startsWith(QLatin1Char('-')) || arg == QLatin1String("-"))
+            break;
+        QString value;
+        if (takeValue(arguments, &i, QStringLiteral("--settings"), &value)) {
+            if (value.isEmpty())
+                refuse(vtr("--settings needs a directory, not an empty text"));
+            line.settingsDir = value;
+        } else if (takeValue(arguments, &i, QStringLiteral("--roster"), &value)) {
+            if (value.isEmpty())
+                refuse(vtr("--roster needs a file, not an empty text"));
+            line.rosterFile = value;
+        } else if (arg == QLatin1String("--json")) {
+            line.json = true;
+        } else if (arg == QLatin1String("--help") || arg == QLatin1String("-h")) {
+            line.help = true;
+        } else {
+            refuse(vtr("unknown option \"%1\"; options: --settings DIR, --roster FILE, --json, "
+                       "--help")
+                       .arg(arg));
+        }
+    }
+    // A bare invocation shows the roster, so that the program shows something
+    // useful on a fresh machine.
+    line.hasCommand = i < arguments.size();
+    line.command = line.hasCommand ? arguments.at(i) : QStringLiteral("show");
+    line.args = arguments.mid(i + 1);
+    // Listings also take --json after the command, where people tend to type it.
+    if (line.args.removeAll(QStringLiteral("--json")) > 0) {
+        const QStringList listings = { QStringLiteral("show"), QStringLiteral("filters"),
+            QStringLiteral("kinds"), QStringLiteral("sorters") };
+        if (listings.contains(line.command))
+            line.json = true;
+        else
+            line.args = arguments.mid(i + 1);
+    }
+    return line;
+}

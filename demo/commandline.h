@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// The global options and the command with its arguments:
+// vesk-roster [--settings DIR] [--roster FILE] [--json] COMMAND [ARGS...]
+class VeskCommandLine
+{
+public:
+    // Refuses an unknown option or an option without its value.
+    static VeskCommandLine parse(const QStringList &arguments);
+
+    QString settingsDir;
+    QString rosterFile; // empty: the bundled sample roster
+    bool json = false;
+    bool help = false;
+    bool hasCommand = false; // false: "show", the default
+    QString command;
+    QStringList args;
+};

@@ -1,0 +1,100 @@
+#include "rosterview.h"
+
+#include <veskaccount.h>
+#include <veskrosterfiltersmanager.h>
+#include <veskrostersortersmanager.h>
+
+#include <QHash>
+
+#include <algorithm>
+
+namespace {
+
+VeskRosterView::Entry describe(const VeskBuddy &buddy)
+{
+    VeskRosterView::Entry entry;
+    entry.buddy = buddy;
+    entry.display = buddy.getDisplay();
+    VeskAccountConnection *account = nullptr;
+    VeskPresence presence;
+    if (buddy.getType() == VeskBuddy::TypeContact) {
+        const VeskBuddyContact contact(buddy);
+        const VeskBuddy parent = contact.getParent();
+        entry.hasGroup = parent.isValid();
+        entry.group = parent.getDisplay();
+        account = contact.getAccount();
+        presence = contact.getPresence();
+        const VeskArg chats = contact.getAttrib(QStringLiteral("chats_count"));
+        entry.hasChats = chats.getType() == VeskArg::TypeInt;
+        entry.chats = entry.hasChats ? chats.toInt() : 0;
+    } else {
+        const VeskBuddyTemporary temporary(buddy);
+        entry.temporary = true;
+        const VeskBuddyGroup group = temporary.getGroup();
+        entry.hasGroup = group.isValid();
+        entry.group = group.getDisplay();
+        account = temporary.getAccount();
+        presence = temporary.getPresence();
+    }
+    if (account) {
+        entry.hasAccount = true;
+        entry.account = account->getUid() + QLatin1Char('@') + account->getProtocolName();
+    }
+    entry.presence = presence.getId();
+    entry.description = presence.getDescription();
+    return entry;
+}
+
+} // namespace
+
+VeskRosterView::VeskRosterView(const QList<VeskBuddy> &roster,
+    const VeskRosterFiltersManager *filters, const VeskRosterSortersManager *sorters)
+{
+    // Groups are matched by name, the first of a name standing for all of
+    // them, as a contact names its group.
+    QHash<QString, int> groupIndex;
+    QVector<Group> allGroups;
+    QVector<QVector<Entry>> members;
+    for (const VeskBuddy &buddy : roster) {
+        if (buddy.getType() == VeskBuddy::TypeGroup && !groupIndex.contains(buddy.getDisplay())) {
+            groupIndex.insert(buddy.getDisplay(), allGroups.size());
+            allGroups.append(Group { buddy, buddy.getDisplay(), {} });
+        }
+    }
+    members.resize(allGroups.size());
+    for (const VeskBuddy &buddy : roster) {
+        const int type = buddy.getType();
+        if (type != VeskBuddy::TypeContact && type != VeskBuddy::TypeTemporary)
+            continue;
+        ++rosterEntries;
+        if (!filters->filter(buddy))
+            continue;
+        ++shownEntries;
+        Entry entry = describe(buddy);
+        const auto group
+            = entry.hasGroup ? groupIndex.constFind(entry.group) : groupIndex.constEnd();
+        if (group == groupIndex.constEnd())
+            ungrouped.append(entry);
+        else
+            members[*group].append(entry);
+    }
+
+    // x comes before y exactly when lessThan(y, x): an ascending name method
+    // lists A to Z and an ascending chats method the most chats first.
+    auto before = [sorters](const VeskBuddy &x, const VeskBuddy &y) {
+        return sorters->lessThan(y, x);
+    };
+    auto entryBefore = [&](const Entry &x, const Entry &y) {
+        return before(x.buddy, y.buddy);
+    };
+    for (int i = 0; i < allGroups.size(); ++i) {
+        if (members.at(i).isEmpty())
+            continue;
+        allGroups[i].entries = members.at(i);
+        std::stable_sort(allGroups[i].entries.begin(), allGroups[i].entries.end(), entryBefore);
+        groups.append(allGroups.at(i));
+    }
+    std::stable_sort(groups.begin(), groups.end(),
+        [&](const Group &x, const Group &y) { return before(x.buddy, y.buddy); });
+    std::stable_sort(ungrouped.begin(), ungrouped.end(), entryBefore);
+}

@@ -1,0 +1,213 @@
+// The display and the description filters answer without a regular
+// expression; their answers must be exactly those of the patterns the
+// conditions stand for (escaped text, case-sensitive, whole-string match).
+// This checks them against QRegExp itself on a generated set of texts and
+// names full of what a regular expression treats specially.
+
+#include <standin/veskstandin.h>
+#include <veskdescriptionfilter.h>
+#include <veskdisplayfilter.h>
+
+#include <QRegExp>
+#include <QtTest>
+
+#include <memory>
+#include <random>
+
+namespace {
+
+// Pieces that regular expressions, escaping or UTF-16 make special.
+QStringList pieces()
+{
+    return {
+        QStringLiteral("a"),
+        QStringLiteral("b"),
+        QStringLiteral("A"),
+        QStringLiteral("ab"),
+        QStringLiteral("."),
+        QStringLiteral("*"),
+        QStringLiteral("\\"),
+        QStringLiteral("\\\\"),
+        QStringLiteral("("),
+        QStringLiteral(")"),
+        QStringLiteral("["),
+        QStringLiteral("]"),
+        QStringLiteral("?"),
+        QStringLiteral("+"),
+        QStringLiteral("^"),
+        QStringLiteral("$"),
+        QStringLiteral("{"),
+        QStringLiteral("}"),
+        QStringLiteral("|"),
+        QStringLiteral("-"),
+        QStringLiteral("(?!"),
+        QStringLiteral(".*"),
+        QStringLiteral("\\d"),
+        QStringLiteral("\\1"),
+        QStringLiteral("{2}"),
+        QStringLiteral("[^a]"),
+        QStringLiteral("\n"),
+        QStringLiteral("\r\n"),
+        QStringLiteral("\t"),
+        QStringLiteral(" "),
+        QString(QChar(0)),
+        QStringLiteral("é"),
+        QStringLiteral("É"),
+        QStringLiteral("東"),
+        QStringLiteral("🙂"),
+        QStringLiteral("😀"),
+        QString(QChar(0xD83D)),
+        QString(QChar(0xDE42)),
+        QString(QChar(0xFFFF)),
+    };
+}
+
+QString randomText(std::mt19937 &random, const QStringList &from, int maxPieces)
+{
+    QString text;
+    const int count = std::uniform_int_distribution<int>(0, maxPieces)(random);
+    for (int i = 0; i < count; ++i)
+        text += from.at(std::uniform_int_distribution<int>(0, from.size() - 1)(random));
+    return text;
+}
+
+// A failure message must show the text whatever it holds: NULs, lone
+// surrogates and newlines included.
+QString codeUnits(const QString &text)
+{
+    QStringList units;
+    for (const QChar c : text)
+        units << QString::number(c.unicode(), 16);
+    return QLatin1Char('[') + units.join(QLatin1Char(' ')) + QLatin1Char(']');
+}
+
+} // namespace
+
+class tst_TextMatchEquivalence : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase() { VeskStandIn::resetRoster(); }
+
+    void filterAnswersAsTheRegularExpression_data();
+    void filterAnswersAsTheRegularExpression();
+
+private:
+    QStringList texts;
+    QStringList names;
+    QList<VeskBuddy> contacts; // one per name, named and described by it
+};
+
+void tst_TextMatchEquivalence::initTestCase()
+{
+    std::mt19937 random(20261123);
+    const QStringList from = pieces();
+
+    texts << QString() << from;
+    while (texts.size() < 300)
+        texts << randomText(random, from, 4);
+
+    // Random names rarely contain a given text, so most names are made from
+    // the texts: the text itself, the text inside other text, and the text cut
+    // short by one code unit, which splits surrogate pairs.
+    names << QString();
+    for (const QString &text : qAsConst(texts)) {
+        names << text << randomText(random, from, 2) + text + randomText(random, from, 2);
+        if (!text.isEmpty())
+            names << text.left(text.size() - 1);
+    }
+    while (names.size() < 1000)
+        names << randomText(random, from, 6);
+
+    VeskStandIn::resetRoster();
+    for (const QString &name : qAsConst(names)) {
+        VeskStandIn::ContactInfo info;
+        info.display = name;
+        info.presence = VeskStandIn::makePresence(QStringLiteral("online"), QString(), name);
+        contacts << VeskStandIn::addContact(info);
+    }
+    qInfo("%d texts x %d names", int(texts.size()), int(names.size()));
+}
+
+void tst_TextMatchEquivalence::filterAnswersAsTheRegularExpression_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("condition"); // empty: a new filter, never configured
+    QTest::addColumn<QString>("before"); // the pattern: before + escaped text + after
+    QTest::addColumn<QString>("after");
+    QTest::addColumn<bool>("negated");
+
+    for (const QString &kind : { QStringLiteral("display"), QStringLiteral("description") }) {
+        const QByteArray k = kind.toLatin1();
+        QTest::newRow(k + " new filter: the empty pattern") << kind << ""
+                                                            << ""
+                                                            << "" << false;
+        QTest::newRow(k + " contains") << kind << "contains"
+                                       << ".*"
+                                       << ".*" << false;
+        QTest::newRow(k + " match exactly") << kind << "match exactly"
+                                            << ""
+                                            << "" << false;
+        QTest::newRow(k + " does not contain: what contains does not pass")
+            << kind << "does not contain"
+            << ".*"
+            << ".*" << true;
+    }
+    QTest::newRow("description is not empty") << "description"
+                                              << "is not empty"
+                                              << ".+"
+                                              << "" << false;
+}
+
+void tst_TextMatchEquivalence::filterAnswersAsTheRegularExpression()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, condition);
+    QFETCH(QString, before);
+    QFETCH(QString, after);
+    QFETCH(bool, negated);
+
+    const QString textFieldId = kind + QLatin1String("_filter_regexp");
+    const bool usesText = !condition.isEmpty() && condition != QLatin1String("is not empty");
+    const QStringList tried = usesText ? texts : QStringList { QStringLiteral("a.b") };
+
+    QStringList mismatches;
+    int compared = 0;
+    for (const QString &text : tried) {
+        std::unique_ptr<VeskRosterFilter> filter;
+        if (kind == QLatin1String("display"))
+            filter = std::make_unique<VeskDisplayFilter>();
+        else
+            filter = std::make_unique<VeskDescriptionFilter>();
+        if (!condition.isEmpty()) {
+            filter->setConfiguration({
+                VeskField::comboBox(QString(), QStringLiteral("is_or_not"), { condition },
+                    { condition }, condition, QString()),
+                VeskField::lineEdit(QString(), textFieldId, text, 32767, QString()),
+            });
+        }
+        const QString pattern = condition.isEmpty()
+            ? QString()
+            : before + (usesText ? QRegExp::escape(text) : QString()) + after;
+        QRegExp expression(pattern, Qt::CaseSensitive, QRegExp::RegExp);
+        QVERIFY(expression.isValid());
+
+        for (int i = 0; i < names.size(); ++i) {
+            const bool expected = expression.exactMatch(names.at(i)) != negated;
+            if (filter->filter(contacts.at(i)) != expected && mismatches.size() < 10) {
+                mismatches << QStringLiteral("text %1, name %2: expected %3")
+                                  .arg(codeUnits(text), codeUnits(names.at(i)),
+                                      expected ? QStringLiteral("pass")
+                                               : QStringLiteral("no pass"));
+            }
+            ++compared;
+        }
+    }
+    QVERIFY2(mismatches.isEmpty(), qPrintable(mismatches.join(QLatin1Char('\n'))));
+    QCOMPARE(compared, tried.size() * names.size());
+}
+
+QTEST_GUILESS_MAIN(tst_TextMatchEquivalence)
+#include "tst_textmatchequivalence.moc"
