@@ -24,7 +24,7 @@ void storeSortingMethods(VeskRosterSortersManager *sorters)
     sorters->addSorter(
         QStringLiteral("presence_name"), { QStringLiteral("presence"), QStringLiteral("name") });
     sorters->setSorterAscending(
-        QStringLiteral("presence_name"), { QStringLiteral("t"), QStringLiteral("f") });
+        QStringLiteral("presence_name"), { QStringLiteral("f"), QStringLiteral("f") });
     sorters->addSorter(
         QStringLiteral("chats_name"), { QStringLiteral("chats_count"), QStringLiteral("name") });
     sorters->setSorterAscending(

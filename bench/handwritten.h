@@ -4,9 +4,11 @@
 
 class VeskBuddy;
 
+#define VESK_BENCH_HANDWRITTEN_EXPORT __attribute__((visibility("default")))
+
 // The fastest code we know that gives the library's answers, written against
 // the same host operations: the limit the library is measured against.
-namespace HandWritten {
+namespace HandWritten VESK_BENCH_HANDWRITTEN_EXPORT {
 
 // AND[display contains "an", OR[presence is "online", presence is "away"],
 // group is not "Blocked"]: the benchmarks' current filter.
@@ -30,4 +32,4 @@ bool protocolIs(const VeskBuddy &buddy, const QString &protocolName, bool positi
 bool presenceThenName(const VeskBuddy &a, const VeskBuddy &b);
 bool chatsThenName(const VeskBuddy &a, const VeskBuddy &b);
 
-} // namespace HandWritten
+} // namespace VESK_BENCH_HANDWRITTEN_EXPORT
