@@ -8,6 +8,7 @@
 #include "benchworld.h"
 #include "handwritten.h"
 #include "rosteritemmodel.h"
+#include "threadcputime.h"
 
 #include <veskaccount.h>
 #include <veskrosterfilter.h>
@@ -253,7 +254,43 @@ void leafHandWritten(benchmark::State &state, const LeafCase &leafCase)
         state, *roster, [&](const VeskBuddy &entry) { return hand(entry, value, positive); });
 }
 
+void filterPaired(benchmark::State &state)
+{
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
+    const VeskRosterFiltersManager *manager = BenchWorld::filtersManager();
+    if (!answersAgree(state, entries))
+        return;
+    auto library = [manager](const VeskBuddy &entry) {
+        return manager->filter(entry);
+    };
+    double librarySeconds = 0;
+    double handSeconds = 0;
+    for (auto _ : state) {
+        const double start = threadCpuSeconds();
+        benchmark::DoNotOptimize(countPassing(entries, library));
+        const double middle = threadCpuSeconds();
+        benchmark::DoNotOptimize(countPassing(entries, HandWritten::benchmarkFilter));
+        handSeconds += threadCpuSeconds() - middle;
+        librarySeconds += middle - start;
+    }
+    const double calls = double(state.iterations()) * double(entries.size());
+    state.counters["library_ns"] = librarySeconds * 1e9 / calls;
+    state.counters["hand_ns"] = handSeconds * 1e9 / calls;
+    state.counters["library_per_hand"] = librarySeconds / handSeconds;
+}
+
 } // namespace
+
+void registerPairedFilterBenchmark(int contacts)
+{
+    benchmark::RegisterBenchmark("Paired/Filter", filterPaired)
+        ->Arg(contacts)
+        ->MinTime(2.0)
+        ->Unit(benchmark::kMillisecond);
+}
 
 void registerFilterBenchmarks(int contacts)
 {

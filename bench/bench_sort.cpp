@@ -8,6 +8,7 @@
 #include "benchworld.h"
 #include "handwritten.h"
 #include "rosteritemmodel.h"
+#include "threadcputime.h"
 
 #include <veskrostersortersmanager.h>
 
@@ -186,7 +187,62 @@ void sortByCollationKeys(benchmark::State &state, const Method &method)
     state.counters["entries"] = double(entries.size());
 }
 
+void sortPaired(benchmark::State &state, const Method &method)
+{
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const std::vector<VeskBuddy> &entries = *roster;
+    QStandardItemModel *model = RosterItemModel::forRoster(int(state.range(0)));
+    const VeskRosterSortersManager *sorters
+        = BenchWorld::sortersManager(QString::fromLatin1(method.methodName));
+    if (!answersAgree(state, method, entries, sorters))
+        return;
+    auto library = [sorters](const VeskBuddy &a, const VeskBuddy &b) {
+        return sorters->lessThan(a, b);
+    };
+    double librarySeconds = 0;
+    double handSeconds = 0;
+    double proxySeconds = 0;
+    std::vector<VeskBuddy> sorted;
+    for (auto _ : state) {
+        sorted = entries;
+        double start = threadCpuSeconds();
+        std::stable_sort(sorted.begin(), sorted.end(), library);
+        librarySeconds += threadCpuSeconds() - start;
+
+        sorted = entries;
+        start = threadCpuSeconds();
+        std::stable_sort(sorted.begin(), sorted.end(), method.hand);
+        handSeconds += threadCpuSeconds() - start;
+
+        RosterSortProxy proxy(method.rankRole);
+        proxy.setSourceModel(model);
+        benchmark::DoNotOptimize(proxy.rowCount());
+        start = threadCpuSeconds();
+        proxy.sort(0, Qt::AscendingOrder);
+        proxySeconds += threadCpuSeconds() - start;
+    }
+    const double sorts = double(state.iterations());
+    state.counters["library_ms"] = librarySeconds * 1e3 / sorts;
+    state.counters["hand_ms"] = handSeconds * 1e3 / sorts;
+    state.counters["proxy_ms"] = proxySeconds * 1e3 / sorts;
+    state.counters["library_per_hand"] = librarySeconds / handSeconds;
+    state.counters["library_per_proxy"] = librarySeconds / proxySeconds;
+}
+
 } // namespace
+
+void registerPairedSortBenchmarks(int contacts)
+{
+    for (const Method &method : methods) {
+        benchmark::RegisterBenchmark(
+            (std::string("Paired/Sort/") + method.benchmarkName).c_str(), sortPaired, method)
+            ->Arg(contacts)
+            ->Iterations(5)
+            ->Unit(benchmark::kMillisecond);
+    }
+}
 
 void registerSortBenchmarks(int contacts)
 {

@@ -6,5 +6,10 @@
 void registerFilterBenchmarks(int contacts);
 void registerLeafBenchmarks(int contacts);
 void registerSortBenchmarks(int contacts);
+// The target ratios, measured in pairs: every iteration runs the library and
+// its rivals back to back, so that a load that comes and goes on a shared
+// machine falls on both sides alike.
+void registerPairedFilterBenchmark(int contacts);
+void registerPairedSortBenchmarks(int contacts);
 void registerStartUpBenchmarks();
 void registerSaveBenchmarks();

@@ -17,13 +17,17 @@ int main(int argc, char **argv)
     for (const int contacts : { 1000, 10000, 100000, 1000000 }) {
         registerFilterBenchmarks(contacts);
         registerSortBenchmarks(contacts);
-        if (contacts == 100000)
+        if (contacts == 100000) {
             registerLeafBenchmarks(contacts);
+            registerPairedFilterBenchmark(contacts);
+            registerPairedSortBenchmarks(contacts);
+        }
     }
     registerStartUpBenchmarks();
     registerSaveBenchmarks();
 
     benchmark::AddCustomContext("qt_version", qVersion());
+    benchmark::AddCustomContext("build", VESK_BENCH_BUILD);
     benchmark::AddCustomContext("collation_locale", QLocale().name().toStdString());
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
