@@ -1,7 +1,7 @@
 #pragma once
 
-// Builds and describes filter trees for tests: a whole tree compares as one
-// string.
+// Builds, configures and describes filters for tests: a whole tree or field
+// list compares as one string.
 
 #include <standin/veskstandin.h>
 #include <veskfield.h>
@@ -9,9 +9,46 @@
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 
+#include <QPair>
 #include <QStringList>
 
 namespace VeskFilterTree {
+
+using FieldValues = QList<QPair<QString, QString>>;
+
+// What the host's filter editor does: the filter's own fields with the given
+// values put in (a selected id or a text, by field id), handed back.
+inline void configure(VeskRosterFilter &filter, const FieldValues &values)
+{
+    QList<VeskField> fields = filter.getConfiguration();
+    for (const auto &value : values) {
+        for (VeskField &field : fields) {
+            if (field.getId() != value.first)
+                continue;
+            if (field.getKind() == VeskField::ComboBox)
+                field.setSelectedId(value.second);
+            else
+                field.setText(value.second);
+        }
+    }
+    filter.setConfiguration(fields);
+}
+
+// "id=[item ids|item labels] selected id" or "id=text" per field.
+inline QString describe(const QList<VeskField> &fields)
+{
+    QStringList parts;
+    for (const VeskField &field : fields) {
+        if (field.getKind() == VeskField::ComboBox)
+            parts << QStringLiteral("%1=[%2|%3] %4")
+                         .arg(field.getId(), field.getComboBoxIds().join(QLatin1Char(',')),
+                             field.getComboBoxLabels().join(QLatin1Char(',')),
+                             field.getSelectedId());
+        else
+            parts << QStringLiteral("%1=%2").arg(field.getId(), field.getText());
+    }
+    return parts.join(QStringLiteral("; "));
+}
 
 // Registers a protocol whose default contacts offer "online", "away" and
 // "dnd", so that presence leaves have labels.
@@ -23,24 +60,29 @@ inline void addPresences()
             VeskStandIn::makePresence(QStringLiteral("dnd"), QStringLiteral("Busy")) });
 }
 
-// A presence leaf made by the manager's factory and configured as the
-// host's editor would: through its own field list.
+// A presence leaf made by the manager's factory.
 inline VeskRosterFilter *presence(const QString &presenceId, bool positive = true)
 {
     VeskRosterFilter *filter = VeskRosterFiltersManager::getInstance()->createFilter(
         QStringLiteral("presence"), VeskRosterFilter::RosterFilterDefault);
-    QList<VeskField> fields = filter->getConfiguration();
-    for (VeskField &field : fields) {
-        if (field.getId() == QLatin1String("is_or_not"))
-            field.setSelectedId(positive ? QStringLiteral("is") : QStringLiteral("is not"));
-        else
-            field.setSelectedId(presenceId);
-    }
-    filter->setConfiguration(fields);
+    configure(*filter,
+        { { QStringLiteral("is_or_not"),
+              positive ? QStringLiteral("is") : QStringLiteral("is not") },
+            { QStringLiteral("presence_filter_presence"), presenceId } });
     return filter;
 }
 
-QString typeName(VeskRosterFilter::RosterFilterType type);
+inline QString typeName(VeskRosterFilter::RosterFilterType type)
+{
+    switch (type) {
+    case VeskRosterFilter::RosterFilterAnd:
+        return QStringLiteral("AND");
+    case VeskRosterFilter::RosterFilterOr:
+        return QStringLiteral("OR");
+    default:
+        return QStringLiteral("DEFAULT");
+    }
+}
 
 // A nested stack, named after its type as the stack file's reader names it.
 inline VeskRosterFiltersStack *nested(
@@ -55,35 +97,15 @@ inline VeskRosterFiltersStack *nested(
     return stack;
 }
 
-inline QString typeName(VeskRosterFilter::RosterFilterType type)
-{
-    switch (type) {
-    case VeskRosterFilter::RosterFilterAnd:
-        return QStringLiteral("AND");
-    case VeskRosterFilter::RosterFilterOr:
-        return QStringLiteral("OR");
-    case VeskRosterFilter::RosterFilterLeaf:
-        return QStringLiteral("LEAF");
-    default:
-        return QStringLiteral("DEFAULT");
-    }
-}
-
-// Type, name, sorter, advanced mode and children of a stack; kind, stored
-// values and display text of a leaf.
+// Type, name, sorter, advanced mode and children of a stack; kind, fields and
+// display text of a leaf.
 inline QString describe(VeskRosterFilter *filter)
 {
     if (!filter)
         return QStringLiteral("null");
-    if (filter->getType() == VeskRosterFilter::RosterFilterLeaf) {
-        QStringList values;
-        const QList<VeskField> fields = filter->getConfiguration();
-        for (const VeskField &field : fields)
-            values.append(
-                field.getId() + QLatin1Char('=') + field.getSelectedId() + field.getText());
-        return filter->id() + QLatin1Char('{') + values.join(QLatin1Char(';')) + QLatin1String("}'")
-            + filter->display() + QLatin1Char('\'');
-    }
+    if (filter->getType() == VeskRosterFilter::RosterFilterLeaf)
+        return filter->id() + QLatin1Char('{') + describe(filter->getConfiguration())
+            + QLatin1String("}'") + filter->display() + QLatin1Char('\'');
     auto *stack = dynamic_cast<VeskRosterFiltersStack *>(filter);
     if (!stack)
         return QStringLiteral("?");
@@ -93,7 +115,7 @@ inline QString describe(VeskRosterFilter *filter)
         children.append(describe(child));
     return typeName(stack->getType()) + QLatin1Char(' ') + stack->name() + QLatin1String(" sort=")
         + stack->getSorter()
-        + (stack->isAdvancedMode() ? QLatin1String(" advanced") : QLatin1String(""))
+        + (stack->isAdvancedMode() ? QLatin1String(" advanced") : QLatin1String())
         + QLatin1String(" [") + children.join(QLatin1String(", ")) + QLatin1Char(']');
 }
 

@@ -1,19 +1,19 @@
 #pragma once
 
-// The roster every leaf-filter table runs against, and the host editor's way
-// of configuring a filter: take its own fields, change the values, hand them
-// back.
+// The roster every leaf-filter table runs against, and the leaf kinds by name.
 
-#include <standin/veskstandin.h>
-#include <veskfield.h>
-#include <veskrosterfilter.h>
+#include <veskfiltertree.h>
 
-#include <QList>
-#include <QPair>
-#include <QString>
-#include <QStringList>
+#include <veskaccountfilter.h>
+#include <veskdescriptionfilter.h>
+#include <veskdisplayfilter.h>
+#include <veskgroupfilter.h>
+#include <veskpresencefilter.h>
+#include <veskprotocolfilter.h>
 
-using FieldValues = QList<QPair<QString, QString>>;
+#include <memory>
+
+using namespace VeskFilterTree;
 
 struct LabelledEntry
 {
@@ -28,43 +28,62 @@ struct LabelledEntry
 // no account: contact "Bobby" in Work, known through no account, no description
 // bare:       contact with no name and no group, through carol on a protocol
 //             with an empty name, no description
+// The presences "online" and "away" are offered as "Online" and "Away".
 inline QList<LabelledEntry> buildRoster()
 {
     using namespace VeskStandIn;
     resetRoster();
     const VeskBuddy friends = addGroup(QStringLiteral("Friends"), 1);
     const VeskBuddy work = addGroup(QStringLiteral("Work"), 2);
-    VeskAccountConnection *alice
-        = addAccount(QStringLiteral("alice@home"), QStringLiteral("jabber"));
-    VeskAccountConnection *bob = addAccount(QStringLiteral("bob"), QStringLiteral("icq"));
-    VeskAccountConnection *carol = addAccount(QStringLiteral("carol"), QString());
+    addProtocol(QStringLiteral("jabber"),
+        { makePresence(QStringLiteral("online"), QStringLiteral("Online")),
+            makePresence(QStringLiteral("away"), QStringLiteral("Away")) });
     const VeskPresence away
         = makePresence(QStringLiteral("away"), QString(), QStringLiteral("away"));
-
-    ContactInfo contact;
-    contact.display = QStringLiteral("Bobby bob");
-    contact.group = friends;
-    contact.account = alice;
-    contact.presence = away;
-    ContactInfo temporary;
-    temporary.display = QStringLiteral("bob");
-    temporary.group = work;
-    temporary.account = bob;
-    temporary.presence = away;
-    ContactInfo noAccount;
-    noAccount.display = QStringLiteral("Bobby");
-    noAccount.group = work;
-    ContactInfo bare;
-    bare.account = carol;
-
+    const auto info = [&](const char *display, const VeskBuddy &group,
+                          VeskAccountConnection *account, const VeskPresence &presence) {
+        ContactInfo info;
+        info.display = QLatin1String(display);
+        info.group = group;
+        info.account = account;
+        info.presence = presence;
+        return info;
+    };
     return {
-        { QStringLiteral("contact"), addContact(contact) },
-        { QStringLiteral("temporary"), addTemporary(temporary) },
+        { QStringLiteral("contact"),
+            addContact(info("Bobby bob", friends,
+                addAccount(QStringLiteral("alice@home"), QStringLiteral("jabber")), away)) },
+        { QStringLiteral("temporary"),
+            addTemporary(info(
+                "bob", work, addAccount(QStringLiteral("bob"), QStringLiteral("icq")), away)) },
         { QStringLiteral("group"), friends },
         { QStringLiteral("invalid"), addEntry(7, QStringLiteral("xa.by")) },
-        { QStringLiteral("no account"), addContact(noAccount) },
-        { QStringLiteral("bare"), addContact(bare) },
+        { QStringLiteral("no account"), addContact(info("Bobby", work, nullptr, {})) },
+        { QStringLiteral("bare"),
+            addContact(info("", {}, addAccount(QStringLiteral("carol"), QString()), {})) },
     };
+}
+
+inline std::unique_ptr<VeskRosterFilter> makeFilter(const QString &kind)
+{
+    if (kind == QLatin1String("display"))
+        return std::make_unique<VeskDisplayFilter>();
+    if (kind == QLatin1String("description"))
+        return std::make_unique<VeskDescriptionFilter>();
+    if (kind == QLatin1String("group"))
+        return std::make_unique<VeskGroupFilter>();
+    if (kind == QLatin1String("account"))
+        return std::make_unique<VeskAccountFilter>();
+    if (kind == QLatin1String("protocol"))
+        return std::make_unique<VeskProtocolFilter>();
+    return std::make_unique<VeskPresenceFilter>();
+}
+
+// The id of the field that holds a kind's text or chosen item.
+inline QString valueFieldOf(const QString &kind)
+{
+    const bool text = kind == QLatin1String("display") || kind == QLatin1String("description");
+    return kind + QLatin1String(text ? "_filter_regexp" : "_filter_presence");
 }
 
 // The labels of the entries the filter passes, in roster order.
@@ -76,40 +95,4 @@ inline QString passing(const VeskRosterFilter &filter, const QList<LabelledEntry
             labels << entry.label;
     }
     return labels.join(QStringLiteral(", "));
-}
-
-// What the host's filter editor does: the filter's own fields with the given
-// values put in (a selected id or a text, by field id), handed back.
-inline void configure(VeskRosterFilter &filter, const FieldValues &values)
-{
-    QList<VeskField> fields = filter.getConfiguration();
-    for (const auto &value : values) {
-        for (VeskField &field : fields) {
-            if (field.getId() != value.first)
-                continue;
-            if (field.getKind() == VeskField::ComboBox)
-                field.setSelectedId(value.second);
-            else
-                field.setText(value.second);
-        }
-    }
-    filter.setConfiguration(fields);
-}
-
-// A field list as one line: "id=[item ids|item labels] selected id" or
-// "id=text" for a line edit.
-inline QString describe(const QList<VeskField> &fields)
-{
-    QStringList parts;
-    for (const VeskField &field : fields) {
-        if (field.getKind() == VeskField::ComboBox) {
-            parts << QStringLiteral("%1=[%2|%3] %4")
-                         .arg(field.getId(), field.getComboBoxIds().join(QLatin1Char(',')),
-                             field.getComboBoxLabels().join(QLatin1Char(',')),
-                             field.getSelectedId());
-        } else {
-            parts << QStringLiteral("%1=%2").arg(field.getId(), field.getText());
-        }
-    }
-    return parts.join(QStringLiteral("; "));
 }
