@@ -8,7 +8,7 @@
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 
-#include <QSet>
+#include <QHash>
 
 #include <benchmark/benchmark.h>
 
