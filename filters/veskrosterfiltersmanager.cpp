@@ -16,6 +16,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QSet>
 
 #include <algorithm>
 
@@ -136,9 +137,14 @@ void VeskRosterFiltersManager::readFilters()
         if (id != defaultId && !stacks.contains(id))
             order.removeAll(id);
     }
+    // A set, not order.contains(): with thousands of stack files the list
+    // scan made start-up quadratic.
+    QSet<QString> listed(order.cbegin(), order.cend());
     for (auto it = stacks.cbegin(); it != stacks.cend(); ++it) {
-        if (!order.contains(it.key()))
+        if (!listed.contains(it.key())) {
             order.append(it.key());
+            listed.insert(it.key());
+        }
     }
 }
 

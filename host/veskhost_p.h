@@ -52,7 +52,7 @@ struct VeskRosterStore
     static VeskRosterStore &self();
 };
 
-// One store of global settings, kept as a JSON file in the settings directory.
+// One store of global settings, kept as a file in the settings directory.
 class VeskSettingsStore
 {
 public:

@@ -2,11 +2,9 @@
 
 #include "veskhost_p.h"
 
+#include <QDataStream>
 #include <QDir>
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -72,8 +70,16 @@ QString VeskSettingsStore::dir() const
 
 QString VeskSettingsStore::filePath() const
 {
-    return dir() + QLatin1String("settings.json");
+    return dir() + QLatin1String("settings.dat");
 }
+
+// The file is a QDataStream of a magic number, a version and the values:
+// unlike a text format it keeps any string exactly, lone surrogates and a
+// leading U+FEFF included.
+namespace {
+const quint32 storeMagic = 0x56534b53; // "VSKS"
+const quint32 storeVersion = 1;
+} // namespace
 
 void VeskSettingsStore::load()
 {
@@ -81,34 +87,40 @@ void VeskSettingsStore::load()
     QFile file(filePath());
     if (!file.open(QIODevice::ReadOnly))
         return;
-    const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
-    for (auto it = object.begin(); it != object.end(); ++it) {
+    QDataStream in(&file);
+    in.setVersion(QDataStream::Qt_5_15);
+    quint32 magic = 0;
+    quint32 version = 0;
+    in >> magic >> version;
+    if (magic != storeMagic || version != storeVersion)
+        return;
+    QHash<QString, Value> loaded;
+    while (!in.atEnd() && in.status() == QDataStream::Ok) {
+        QString key;
         Value value;
-        value.isList = it.value().isArray();
-        if (value.isList) {
-            const QJsonArray array = it.value().toArray();
-            for (const QJsonValue &item : array)
-                value.list.append(item.toString());
-        } else {
-            value.text = it.value().toString();
-        }
-        values.insert(it.key(), value);
+        in >> key >> value.isList >> value.text >> value.list;
+        if (in.status() == QDataStream::Ok)
+            loaded.insert(key, value);
     }
+    if (in.status() == QDataStream::Ok)
+        values = loaded;
 }
 
 void VeskSettingsStore::save() const
 {
-    QJsonObject object;
-    for (auto it = values.begin(); it != values.end(); ++it) {
-        if (it->isList)
-            object.insert(it.key(), QJsonArray::fromStringList(it->list));
-        else
-            object.insert(it.key(), it->text);
-    }
     QSaveFile file(filePath());
     if (!file.open(QIODevice::WriteOnly))
         return;
-    file.write(QJsonDocument(object).toJson(QJsonDocument::Indented));
+    QDataStream out(&file);
+    out.setVersion(QDataStream::Qt_5_15);
+    out << storeMagic << storeVersion;
+    // Sorted keys: the same settings always give the same bytes.
+    QStringList keys = values.keys();
+    keys.sort();
+    for (const QString &key : qAsConst(keys)) {
+        const Value &value = values[key];
+        out << key << value.isList << value.text << value.list;
+    }
     file.commit();
 }
 

@@ -7,12 +7,10 @@
 
 namespace {
 
-// The lowered form of `text`, exactly as QString::toLower() gives it.
-// toLower() allocates a new string for nearly every display name, since
-// names start with a capital, and the roster view compares every pair on
-// each presence change. For ASCII, lowering is only 'A'-'Z' to 'a'-'z', so
-// such text is lowered into `buffer`, which keeps its capacity from one
-// comparison to the next; any other text goes through toLower().
+// The lowered form of `text`, exactly as QString::toLower() gives it, written
+// into `buffer`, which keeps its capacity from one comparison to the next:
+// code point by code point, a surrogate pair as one code point. The one code
+// point whose lower case is two code units (U+0130) goes through toLower().
 const QString &lowered(const QString &text, QString &buffer, QString &other)
 {
     const int size = text.size();
@@ -21,15 +19,22 @@ const QString &lowered(const QString &text, QString &buffer, QString &other)
     QChar *to = buffer.data();
     for (int i = 0; i < size; ++i) {
         const char16_t c = from[i].unicode();
-        if (c >= 0x80) {
+        if (c < 0x80) {
+            to[i] = QChar(c >= u'A' && c <= u'Z' ? c + (u'a' - u'A') : c);
+        } else if (c == 0x130) {
             other = text.toLower();
             return other;
+        } else if (QChar::isHighSurrogate(c) && i + 1 < size && from[i + 1].isLowSurrogate()) {
+            const uint lower = QChar::toLower(QChar::surrogateToUcs4(from[i], from[i + 1]));
+            to[i] = QChar(QChar::highSurrogate(lower));
+            to[i + 1] = QChar(QChar::lowSurrogate(lower));
+            ++i;
+        } else {
+            to[i] = from[i].toLower();
         }
-        to[i] = QChar(c >= u'A' && c <= u'Z' ? c + (u'a' - u'A') : c);
     }
     return buffer;
 }
-
 } // namespace
 
 VeskRosterSorterByName::VeskRosterSorterByName() = default;

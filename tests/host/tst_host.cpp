@@ -87,9 +87,12 @@ void tst_Host::settingsAreReadBackByAFreshStore()
     VeskStandIn::setSettingsDir(dir.path());
     QVERIFY(VeskSettingsManager::getInstance()->getSettingsDir().endsWith(QLatin1Char('/')));
     VeskSettingsManagerPrivate *store = VeskSettingsManagerPrivate::settingsMgrPrivInstance;
-    const QStringList order { QStringLiteral("default"), QStringLiteral("b") };
+    // Any text comes back as written: a text format of the store once lost a
+    // leading U+FEFF, which made a filter named so stop being current.
+    const QString odd = QChar(0xFEFF) + QStringLiteral("b\n") + QChar(0xDC00);
+    const QStringList order { QStringLiteral("default"), odd };
     VeskSettingsManager::getInstance()->writeGlobalSetting(list(QStringLiteral("filters"), order));
-    store->writeGlobalSetting(line(QStringLiteral("roster_filter"), QStringLiteral("b")));
+    store->writeGlobalSetting(line(QStringLiteral("roster_filter"), odd));
     store->writeGlobalSetting(list(QStringLiteral("sorter_x"), order));
     store->removeKey(QStringLiteral("sorter_x"));
 
@@ -105,7 +108,7 @@ void tst_Host::settingsAreReadBackByAFreshStore()
         order + fallback + fallback);
     QCOMPARE(
         settings->readGlobalSetting(line(QStringLiteral("roster_filter"), QString())).getText(),
-        QStringLiteral("b"));
+        odd);
 }
 
 QTEST_GUILESS_MAIN(tst_Host)

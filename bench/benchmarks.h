@@ -1,0 +1,15 @@
+#pragma once
+
+// Registration of the benchmark families, in the order in which they run. The
+// roster benchmarks of one size run together, so that each roster is
+// generated and loaded once.
+void registerFilterBenchmarks(int contacts);
+void registerLeafBenchmarks(int contacts);
+void registerSortBenchmarks(int contacts);
+// The target ratios, measured in pairs: every iteration runs the library and
+// its rivals back to back, so that a load that comes and goes on a shared
+// machine falls on both sides alike.
+void registerPairedFilterBenchmark(int contacts);
+void registerPairedSortBenchmarks(int contacts);
+void registerStartUpBenchmarks();
+void registerSaveBenchmarks();
