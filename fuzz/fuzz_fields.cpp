@@ -42,7 +42,8 @@ const QStringList knownValues { QStringLiteral("is"), QStringLiteral("is not"),
     QStringLiteral("mail"), QStringLiteral("online"), QStringLiteral("away"), QStringLiteral("dnd"),
     QStringLiteral("Alice"), QString() };
 
-QTemporaryDir *scratch = nullptr;
+// Owned here so that the directory goes when the fuzzer exits normally.
+std::unique_ptr<QTemporaryDir> scratch;
 
 [[noreturn]] void fail(const char *what, const QString &before, const QString &after)
 {
@@ -114,7 +115,7 @@ QString values(const VeskRosterFilter &filter)
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
-    scratch = new QTemporaryDir;
+    scratch.reset(new QTemporaryDir);
     VeskStandIn::setSettingsDir(scratch->path());
     buildSmallRoster();
     return 0;

@@ -17,12 +17,14 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 
 using namespace VeskReliability;
 
 namespace {
 
-QTemporaryDir *scratch = nullptr;
+// Owned here so that the directory goes when the fuzzer exits normally.
+std::unique_ptr<QTemporaryDir> scratch;
 QString settingsDir;
 QString stackDir;
 QByteArray intactFile;
@@ -162,7 +164,7 @@ void writeSeeds(const QString &target)
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
-    scratch = new QTemporaryDir;
+    scratch.reset(new QTemporaryDir);
     settingsDir = scratch->path() + QLatin1String("/settings");
     stackDir = settingsDir + QLatin1String("/roster_filters");
     buildSmallRoster();
