@@ -113,6 +113,7 @@ void VeskRosterFiltersManager::setupCurrentFilter()
 
 void VeskRosterFiltersManager::readFilters()
 {
+    VeskStackFile::removeStaleTemporaries();
     // Hidden files (among them the temporary files of an interrupted save)
     // are left out of the listing.
     const QStringList files = QDir(VeskStackFile::directory()).entryList(QDir::Files, QDir::NoSort);

@@ -4,6 +4,7 @@
 #include <veskxmlnode.h>
 
 #include <QCryptographicHash>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -125,7 +126,7 @@ namespace {
     bool replaceFile(const QString &name, const QByteArray &bytes)
     {
         const QByteArray dir = QFile::encodeName(directory());
-        QByteArray temporary = dir + "/.vesk-save-XXXXXX";
+        QByteArray temporary = dir + '/' + QFile::encodeName(temporaryPrefix()) + "XXXXXX";
         const int fd = ::mkstemp(temporary.data());
         if (fd < 0)
             return false;
@@ -174,6 +175,26 @@ namespace {
 QString directory()
 {
     return VeskSettingsManager::getInstance()->getSettingsDir() + QLatin1String("roster_filters");
+}
+
+QString temporaryPrefix()
+{
+    return QStringLiteral(".vesk-save-");
+}
+
+void removeStaleTemporaries()
+{
+    // A save interrupted by a crash leaves its temporary file behind. Only old
+    // ones go: a young one may belong to a save another client instance is
+    // making right now.
+    const QDir dir(directory());
+    const QDateTime staleBefore = QDateTime::currentDateTimeUtc().addSecs(-StaleTemporaryAge);
+    const QFileInfoList leftovers = dir.entryInfoList({ temporaryPrefix() + QLatin1Char('*') },
+        QDir::Files | QDir::Hidden | QDir::System, QDir::NoSort);
+    for (const QFileInfo &leftover : leftovers) {
+        if (leftover.lastModified().toUTC() < staleBefore)
+            QFile::remove(leftover.filePath());
+    }
 }
 
 QString escapeName(const QString &name, bool asciiOnly)

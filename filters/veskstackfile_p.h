@@ -29,6 +29,12 @@ constexpr int MaxPlainFileNameBytes = 128;
 
 QString directory();
 
+// Temporary files of a save start with this hidden prefix; those older than
+// StaleTemporaryAge seconds are left over from a crash and removed at start-up.
+QString temporaryPrefix();
+constexpr int StaleTemporaryAge = 60 * 60;
+void removeStaleTemporaries();
+
 QString escapeName(const QString &name, bool asciiOnly);
 bool unescapeName(const QString &escaped, QString *name);
 
