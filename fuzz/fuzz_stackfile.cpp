@@ -103,63 +103,6 @@ void saveAllAndRestart()
     checkListing(VeskRosterFiltersManager::getInstance()->getFilterNames(), true);
 }
 
-// Seeds: what the library itself writes for a few typical and odd stacks.
-void writeSeeds(const QString &target)
-{
-    resetDisk();
-    startUp();
-    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
-    addLargeStack(QStringLiteral("friends"), 7, 3);
-    addLargeStack(QStringLiteral("every kind"), 6, 0);
-    VeskRosterFiltersStack *empty
-        = manager->addStackFilter(QStringLiteral("empty"), VeskRosterFilter::RosterFilterOr);
-    empty->setSorter(QStringLiteral("by name"));
-    empty->setAdvancedMode(true);
-    VeskRosterFiltersStack *deep
-        = manager->addStackFilter(QStringLiteral("deep"), VeskRosterFilter::RosterFilterAnd);
-    VeskRosterFiltersStack *level = deep;
-    for (int i = 0; i < 6; ++i) {
-        auto *nested = static_cast<VeskRosterFiltersStack *>(
-            manager->createFilter(QStringLiteral("stack_filter"),
-                i % 2 ? VeskRosterFilter::RosterFilterAnd : VeskRosterFilter::RosterFilterOr));
-        VeskRosterFilter *leaf
-            = manager->createFilter(QStringLiteral("display"), VeskRosterFilter::RosterFilterLeaf);
-        if (!nested || !leaf) {
-            delete nested;
-            delete leaf;
-            break;
-        }
-        QList<VeskField> fields = leaf->getConfiguration();
-        for (VeskField &field : fields)
-            field.setText(QString::fromUtf16(u"<&\"\u0001]]>\u00e9\U0001F642"));
-        leaf->setConfiguration(fields);
-        nested->appendFilter(leaf);
-        level->appendFilter(nested);
-        level = nested;
-    }
-    const QString hostileName = QStringLiteral("../.odd/name\\");
-    addLargeStack(hostileName, 3, 1);
-    const QStringList ids = manager->getFilterNames();
-    for (const QString &id : ids) {
-        if (VeskRosterFiltersStack *stack = manager->getStackFilter(id))
-            stack->writeFilterSettings();
-    }
-    shutDown();
-    QDir().mkpath(target);
-    const QStringList files = QDir(stackDir).entryList(QDir::Files | QDir::Hidden);
-    for (const QString &file : files) {
-        const QByteArray bytes = readFile(stackDir + QLatin1Char('/') + file);
-        const bool plain = QStringList { QStringLiteral("friends"), QStringLiteral("every kind"),
-            QStringLiteral("empty"), QStringLiteral("deep") }
-                               .contains(file);
-        if (plain)
-            writeFile(target + QLatin1String("/seed-") + file, bytes);
-        else
-            writeFile(
-                target + QLatin1String("/seed-named"), "NAME:" + file.toUtf8() + '\n' + bytes);
-    }
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
@@ -168,10 +111,6 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
     settingsDir = scratch->path() + QLatin1String("/settings");
     stackDir = settingsDir + QLatin1String("/roster_filters");
     buildSmallRoster();
-    if (qEnvironmentVariableIsSet("VESK_FUZZ_WRITE_SEEDS")) {
-        writeSeeds(qEnvironmentVariable("VESK_FUZZ_WRITE_SEEDS"));
-        std::exit(0);
-    }
 
     resetDisk();
     startUp();
