@@ -61,6 +61,14 @@ QByteArray readFile(const QString &path);
 // the content; symbolic links are listed with their target and not followed.
 QStringList snapshotTree(const QString &dir);
 
+// The integer in environment variable `name`, or `fallback`.
+inline int envInt(const char *name, int fallback)
+{
+    bool ok = false;
+    const int value = qEnvironmentVariableIntValue(name, &ok);
+    return ok ? value : fallback;
+}
+
 // Peak resident set size of this process so far, in KiB.
 qint64 peakRssKiB();
 

@@ -24,13 +24,6 @@ const int stackCount = 3;
 const int leafCount = 600;
 const int period = 5; // distinct contents a stack cycles through
 
-int envInt(const char *name, int fallback)
-{
-    bool ok = false;
-    const int value = qEnvironmentVariableIntValue(name, &ok);
-    return ok ? value : fallback;
-}
-
 QString stackFile(const QString &settingsDir, int stack)
 {
     return settingsDir + QStringLiteral("/roster_filters/stack-%1").arg(stack);
@@ -43,15 +36,6 @@ QProcessEnvironment childEnvironment()
     // makes a save's bytes the same in every process.
     environment.insert(QStringLiteral("QT_HASH_SEED"), QStringLiteral("0"));
     return environment;
-}
-
-QString differenceReport(
-    const QByteArray &actual, const QByteArray &oldBytes, const QByteArray &newBytes)
-{
-    return QStringLiteral("file has %1 bytes, previous content %2 bytes, new content %3 bytes")
-        .arg(actual.size())
-        .arg(oldBytes.size())
-        .arg(newBytes.size());
 }
 
 } // namespace
@@ -158,7 +142,10 @@ void tst_SaveCrash::killedSaveLeavesOldOrNewContent()
                                           "content: %3")
                                .arg(where)
                                .arg(s)
-                               .arg(differenceReport(actual, onDisk[s], next))));
+                               .arg(QStringLiteral("%1 bytes, previous %2, new %3")
+                                        .arg(actual.size())
+                                        .arg(onDisk[s].size())
+                                        .arg(next.size()))));
             onDisk[s] = actual;
         }
         nextGeneration = pendingGeneration + 1;
