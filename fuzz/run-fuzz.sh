@@ -7,8 +7,6 @@
 #   fuzz/run-fuzz.sh --ci [SECONDS]   replay the committed corpus, then fuzz
 #                                     each target SECONDS (default 30) into a
 #                                     scratch corpus; what CTest runs
-#   fuzz/run-fuzz.sh --seeds          rewrite fuzz/corpus/stackfile/seed-* from
-#                                     files the library writes itself
 #
 # VESK_FUZZ_BUILD_DIR picks the build directory (default build/fuzz).
 set -euo pipefail
@@ -21,7 +19,6 @@ export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$ROOT}
 mode=long
 case "${1:-}" in
 --ci) mode=ci; shift ;;
---seeds) mode=seeds; shift ;;
 esac
 seconds=${1:-$([ "$mode" = ci ] && echo 30 || echo 60)}
 
@@ -33,12 +30,6 @@ fi
 CC=clang CXX=clang++ cmake -S "$ROOT" -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
     -DCMAKE_CXX_FLAGS=-O1 -DVESK_SANITIZE=ON -DVESK_BUILD_FUZZ=ON -DBUILD_TESTING=OFF >/dev/null
 cmake --build "$BUILD" -j "${VESK_FUZZ_JOBS:-2}" --target "${TARGETS[@]}" >/dev/null
-
-if [ "$mode" = seeds ]; then
-    VESK_FUZZ_WRITE_SEEDS="$FUZZ_DIR/corpus/stackfile" "$BUILD/fuzz/fuzz_stackfile" -runs=0 >/dev/null 2>&1
-    ls "$FUZZ_DIR/corpus/stackfile"
-    exit 0
-fi
 
 export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1}
 # The stack-file target saves files on every run; on tmpfs a save's fsync

@@ -1,5 +1,6 @@
-// The filters manager: start-up from disk and settings, the current filter,
-// the order, renaming and removing, and the kind factory.
+// The filters manager: first start, the current filter, the order, renaming
+// and removing, and the kind factory. How start-up reconciles any stored
+// order and current filter with the files is tst_settingsoutofstep's.
 
 #include <veskfiltertestenv.h>
 #include <veskfiltertree.h>
@@ -58,8 +59,6 @@ private slots:
     void cleanup() { env.reset(); }
 
     void firstStartHasOnlyTheDefaultFilter();
-    void startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles_data();
-    void startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles();
     void currentFilterDecidesWhatPasses();
     void upAndDownMoveOnePlaceAndStoreTheOrder_data();
     void upAndDownMoveOnePlaceAndStoreTheOrder();
@@ -83,53 +82,6 @@ void tst_VeskRosterFiltersManager::firstStartHasOnlyTheDefaultFilter()
         QStringList({ QStringLiteral("default"), unset }));
     QCOMPARE(manager->getCurrentFilterName() + storedCurrent(), QStringLiteral("defaultdefault"));
     QVERIFY(!QFileInfo::exists(env->filtersDir()));
-}
-
-void tst_VeskRosterFiltersManager::
-    startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles_data()
-{
-    QTest::addColumn<QStringList>("files");
-    QTest::addColumn<QStringList>("stored");
-    QTest::addColumn<QString>("current"); // stored as "roster_filter"
-    QTest::addColumn<QStringList>("expected"); // the order, then the current filter
-    const QString d = QStringLiteral("default"), a = QStringLiteral("a"), b = QStringLiteral("b"),
-                  c = QStringLiteral("c"), ghost = QStringLiteral("ghost");
-    QTest::newRow("stored order wins") << QStringList { a, b, c } << QStringList { d, c, a, b } << b
-                                       << QStringList { d, c, a, b, b };
-    QTest::newRow("nothing stored")
-        << QStringList { a } << QStringList {} << unset << QStringList { d, a, d };
-    QTest::newRow("ids without a file are dropped")
-        << QStringList { a } << QStringList { d, ghost, a, ghost } << ghost
-        << QStringList { d, a, d };
-    QTest::newRow("unlisted files come last")
-        << QStringList { a, b, c } << QStringList { c, b } << QStringLiteral("A")
-        << QStringList { d, c, b, a, d };
-    QTest::newRow("default is moved first and listed once")
-        << QStringList { a, b } << QStringList { a, d, b, d } << a << QStringList { d, a, b, a };
-    QTest::newRow("a file named default is the default filter")
-        << QStringList { d, a } << QStringList {} << d << QStringList { d, a, d };
-}
-
-void tst_VeskRosterFiltersManager::startUpReconcilesTheStoredOrderAndCurrentFilterWithTheFiles()
-{
-    QFETCH(QStringList, files);
-    QFETCH(QStringList, stored);
-    QFETCH(QString, current);
-    for (const QString &name : files) {
-        VeskRosterFiltersStack stack(name, AND);
-        stack.appendFilter(presence(QStringLiteral("online")));
-        stack.writeFilterSettings();
-    }
-    env->restart();
-    if (!stored.isEmpty())
-        storeOrder(stored);
-    VeskSettingsManagerPrivate::settingsMgrPrivInstance->removeKey(QStringLiteral("roster_filter"));
-    if (current != unset)
-        VeskSettingsManagerPrivate::settingsMgrPrivInstance->writeGlobalSetting(VeskField::lineEdit(
-            QString(), QStringLiteral("roster_filter"), current, 32767, QString()));
-    VeskRosterFiltersManager *manager = env->restart();
-    QCOMPARE(storedCurrent(), manager->getCurrentFilterName());
-    QTEST(manager->getFilterNames() << manager->getCurrentFilterName(), "expected");
 }
 
 void tst_VeskRosterFiltersManager::currentFilterDecidesWhatPasses()

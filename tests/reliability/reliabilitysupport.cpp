@@ -6,15 +6,12 @@
 #include <veskrosterfilter.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
-#include <veskrostersortersmanager.h>
-#include <vesksettingsmanager.h>
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QSet>
 
 namespace VeskReliability {
 
@@ -153,36 +150,6 @@ QString answers(const VeskRosterFilter *filter)
     for (const VeskBuddy &entry : entries)
         result.append(filter->filter(entry) ? QLatin1Char('1') : QLatin1Char('0'));
     return result;
-}
-
-void shutDown()
-{
-    if (VeskRosterFiltersManager *manager = VeskRosterFiltersManager::instance) {
-        QSet<VeskRosterFilter *> owned;
-        const QStringList ids = manager->getFilterNames();
-        for (const QString &id : ids) {
-            if (VeskRosterFilter *stack = manager->getStackFilter(id))
-                owned.insert(stack);
-        }
-        // The default filter is only handed out as the current filter; making
-        // it current stores "roster_filter", which is put back as it was.
-        const QString unset = QStringLiteral("\x01unset");
-        const VeskField stored
-            = VeskSettingsManager::getInstance()->readGlobalSetting(VeskField::lineEdit(
-                QString(), QStringLiteral("roster_filter"), unset, 32767, QString()));
-        manager->setCurrentFilter(QStringLiteral("default"));
-        if (VeskRosterFilter *fallback = manager->getCurrentFilter())
-            owned.insert(fallback);
-        VeskSettingsManagerPrivate *settings = VeskSettingsManagerPrivate::settingsMgrPrivInstance;
-        if (stored.getText() == unset)
-            settings->removeKey(QStringLiteral("roster_filter"));
-        else
-            settings->writeGlobalSetting(stored);
-        delete manager;
-        qDeleteAll(owned);
-    }
-    delete VeskRosterSortersManager::instance;
-    VeskRosterSortersManager::instance = nullptr;
 }
 
 void fillLargeStack(VeskRosterFiltersStack *stack, int leaves, int generation)

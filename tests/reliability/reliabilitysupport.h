@@ -4,6 +4,8 @@
 // targets: a small roster, a comparable description of a filter tree, and
 // the tear-down of the singletons a start-up creates.
 
+#include <veskfiltertestenv.h>
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -38,7 +40,10 @@ QString answers(const VeskRosterFilter *filter);
 
 // Deletes what a start-up made: the listed stacks, the default filter, the
 // filters manager and the sorters manager.
-void shutDown();
+inline void shutDown()
+{
+    VeskFilterTestEnv::shutDownManagers();
+}
 
 // Replaces the children of `stack` with `leaves` leaf filters of every kind,
 // a quarter of them inside one nested OR stack, and sets its sorting method
@@ -55,6 +60,14 @@ QByteArray readFile(const QString &path);
 // Every path below `dir` (relative), with its type and, for files, a hash of
 // the content; symbolic links are listed with their target and not followed.
 QStringList snapshotTree(const QString &dir);
+
+// The integer in environment variable `name`, or `fallback`.
+inline int envInt(const char *name, int fallback)
+{
+    bool ok = false;
+    const int value = qEnvironmentVariableIntValue(name, &ok);
+    return ok ? value : fallback;
+}
 
 // Peak resident set size of this process so far, in KiB.
 qint64 peakRssKiB();

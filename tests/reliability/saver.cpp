@@ -5,9 +5,6 @@
 //       after start-up prints "ready", then for g = FIRST, FIRST + 1, ...
 //       and every stack s: fills stack s with generation g % PERIOD, writes
 //       it, and prints "s g"; never ends by itself
-//   reliability_saver reference SETTINGS_DIR STACKS LEAVES PERIOD OUT_DIR
-//       writes generations 0 .. PERIOD - 1 once each and copies every file
-//       to OUT_DIR/s-g: the bytes a save of that generation must leave
 
 #include "reliabilitysupport.h"
 
@@ -63,7 +60,8 @@ int main(int argc, char **argv)
 {
     if (argc < 7)
         return 2;
-    const QByteArray mode = argv[1];
+    if (QByteArray(argv[1]) != "save")
+        return 2;
     const QString dir = QString::fromLocal8Bit(argv[2]);
     const int count = QByteArray(argv[3]).toInt();
     const int leaves = QByteArray(argv[4]).toInt();
@@ -72,23 +70,6 @@ int main(int argc, char **argv)
     buildSmallRoster();
     VeskStandIn::setSettingsDir(dir);
     const QList<VeskRosterFiltersStack *> stacks = openStacks(count);
-
-    if (mode == "reference") {
-        const QString out = QString::fromLocal8Bit(argv[6]);
-        QDir().mkpath(out);
-        for (int g = 0; g < period; ++g) {
-            for (int s = 0; s < count; ++s) {
-                fillLargeStack(stacks.at(s), leaves, g);
-                stacks.at(s)->writeFilterSettings();
-                const QString file = dir + QLatin1String("/roster_filters/") + stackName(s);
-                writeFile(out + QStringLiteral("/%1-%2").arg(s).arg(g), readFile(file));
-            }
-        }
-        shutDown();
-        return 0;
-    }
-    if (mode != "save")
-        return 2;
 
     report("ready");
     for (int g = QByteArray(argv[6]).toInt();; ++g) {
