@@ -6,6 +6,7 @@
 #include <veskfiltertestenv.h>
 #include <veskfiltertree.h>
 
+#include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QDomDocument>
@@ -84,7 +85,7 @@ private slots:
     void advancedModeIsOnOnlyForT();
     void filesNotSpelledByTheLibraryAreNotListed();
     void deepestReadableTreeSurvivesAndADeeperOneKeepsTheOldFile();
-    void savesLeaveNoTemporaryFileAndAnInterruptedOneIsNoFilter();
+    void savesLeaveNoTemporaryFileAndAnInterruptedOneIsNoFilterAndGoesWhenOld();
 
 private:
     QScopedPointer<VeskFilterTestEnv> env;
@@ -210,7 +211,7 @@ void tst_VeskStackFile::deepestReadableTreeSurvivesAndADeeperOneKeepsTheOldFile(
     QCOMPARE(describe(env->restart()->getStackFilter(QStringLiteral("deep"))), stored);
 }
 
-void tst_VeskStackFile::savesLeaveNoTemporaryFileAndAnInterruptedOneIsNoFilter()
+void tst_VeskStackFile::savesLeaveNoTemporaryFileAndAnInterruptedOneIsNoFilterAndGoesWhenOld()
 {
     saveOneLeaf(QStringLiteral("friends"));
     saveOneLeaf(QStringLiteral("friends"));
@@ -224,11 +225,22 @@ void tst_VeskStackFile::savesLeaveNoTemporaryFileAndAnInterruptedOneIsNoFilter()
     // name only looks like a temporary file.
     QDir(env->filtersDir()).rmdir(QStringLiteral("blocked"));
     writeFile(env->filePath(QStringLiteral(".vesk-save-Ab12Cd")), oneLeafFile());
+    writeFile(env->filePath(QStringLiteral(".vesk-save-Old123")), oneLeafFile());
+    QFile old(env->filePath(QStringLiteral(".vesk-save-Old123")));
+    QVERIFY(old.open(QIODevice::ReadWrite));
+    QVERIFY(old.setFileTime(
+        QDateTime::currentDateTime().addSecs(-2 * 3600), QFileDevice::FileModificationTime));
+    old.close();
     writeFile(env->filePath(QStringLiteral("friends.Ab12Cd")), oneLeafFile());
     QStringList names = env->restart()->getFilterNames();
     names.sort();
     QCOMPARE(names,
         QStringList({ QStringLiteral("default"), QStringLiteral("friends"),
+            QStringLiteral("friends.Ab12Cd") }));
+    // Only the old leftover goes: a young one may be another client
+    // instance's save in progress.
+    QCOMPARE(entriesUnder(env->filtersDir()),
+        QStringList({ QStringLiteral(".vesk-save-Ab12Cd"), QStringLiteral("friends"),
             QStringLiteral("friends.Ab12Cd") }));
 }
 
