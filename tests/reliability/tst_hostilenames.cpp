@@ -77,7 +77,7 @@ QList<NamedCase> hostileNames()
         { "like a temporary file", QStringLiteral("friends.abc123") },
         { "like a hidden temporary file", QStringLiteral(".friends.tmp") },
         { "Default", QStringLiteral("Default") },
-        { "settings file", QStringLiteral("../settings.json") },
+        { "settings file", QStringLiteral("../settings.dat") },
     };
 }
 
