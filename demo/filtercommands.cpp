@@ -297,17 +297,11 @@ void rename(VeskCommandContext &context)
     VeskRosterFiltersStack *stack = session.editableStack(oldId);
     checkNewName(session, newId, vtr("choose another name"));
 
-    QStringList order = session.filters()->getFilterNames();
-    // The library moves the stack's file with it; the filter is not re-written.
+    // The library moves the stack's file with it (the filter is not re-written)
+    // and stores the display order with the new name in the old one's place.
     session.filters()->rename(oldId, newId);
     if (session.filters()->getStackFilter(newId) != stack)
         refuse(vtr("the library did not rename \"%1\" to \"%2\"").arg(oldId, newId));
-    // The filter keeps its place, under its new name.
-    for (QString &id : order) {
-        if (id == oldId)
-            id = newId;
-    }
-    session.storeDisplayOrder(order);
 }
 
 void up(VeskCommandContext &context)
