@@ -68,17 +68,27 @@ void timeFilter(
     state.SetItemsProcessed(qint64(state.iterations()) * qint64(entries.size()));
 }
 
-// Compared once per roster size, outside timing: the ratio means something only
-// if both sides give the same answers.
-bool answersAgree(benchmark::State &state, const std::vector<VeskBuddy> &entries)
+// The filters manager's answer, as the roster view asks for it.
+auto libraryFilter()
+{
+    const VeskRosterFiltersManager *manager = BenchWorld::filtersManager();
+    return [manager](const VeskBuddy &entry) {
+        return manager->filter(entry);
+    };
+}
+
+// The roster of the benchmark's size, once its answers were compared (once per
+// size, outside timing): the ratio means something only if the library and the
+// hand-written predicate give the same answers. Null after an error.
+const std::vector<VeskBuddy> *agreedRoster(benchmark::State &state)
 {
     static QSet<std::size_t> checked;
-    if (checked.contains(entries.size()))
-        return true;
-    const VeskRosterFiltersManager *manager = BenchWorld::filtersManager();
-    const qsizetype wrong = firstDisagreement(
-        entries, [manager](const VeskBuddy &entry) { return manager->filter(entry); },
-        HandWritten::benchmarkFilter);
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster || checked.contains(roster->size()))
+        return roster;
+    const std::vector<VeskBuddy> &entries = *roster;
+    const qsizetype wrong
+        = firstDisagreement(entries, libraryFilter(), HandWritten::benchmarkFilter);
     if (wrong >= 0) {
         state.SkipWithError(
             QStringLiteral("library and hand-written filter disagree on entry %1 (%2)")
@@ -86,23 +96,16 @@ bool answersAgree(benchmark::State &state, const std::vector<VeskBuddy> &entries
                 .arg(entries[std::size_t(wrong)].getDisplay())
                 .toUtf8()
                 .constData());
-        return false;
+        return nullptr;
     }
     checked.insert(entries.size());
-    return true;
+    return roster;
 }
 
 void filterWithLibrary(benchmark::State &state)
 {
-    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
-    if (!roster)
-        return;
-    const std::vector<VeskBuddy> &entries = *roster;
-    const VeskRosterFiltersManager *manager = BenchWorld::filtersManager();
-    if (!answersAgree(state, entries))
-        return;
-    timeFilter(
-        state, entries, [manager](const VeskBuddy &entry) { return manager->filter(entry); });
+    if (const std::vector<VeskBuddy> *roster = agreedRoster(state))
+        timeFilter(state, *roster, libraryFilter());
 }
 
 void filterHandWritten(benchmark::State &state)
@@ -256,16 +259,11 @@ void leafHandWritten(benchmark::State &state, const LeafCase &leafCase)
 
 void filterPaired(benchmark::State &state)
 {
-    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    const std::vector<VeskBuddy> *roster = agreedRoster(state);
     if (!roster)
         return;
     const std::vector<VeskBuddy> &entries = *roster;
-    const VeskRosterFiltersManager *manager = BenchWorld::filtersManager();
-    if (!answersAgree(state, entries))
-        return;
-    auto library = [manager](const VeskBuddy &entry) {
-        return manager->filter(entry);
-    };
+    const auto library = libraryFilter();
     double librarySeconds = 0;
     double handSeconds = 0;
     for (auto _ : state) {
