@@ -168,12 +168,6 @@ VeskBuddy addEntry(int typeCode, const QString &display)
     return addEntryData(std::move(entry));
 }
 
-void setPresence(const VeskBuddy &buddy, const VeskPresence &presence)
-{
-    if (const VeskRosterEntry *entry = VeskStandInAccess::entryOf(buddy))
-        const_cast<VeskRosterEntry *>(entry)->presence = presence;
-}
-
 QList<VeskBuddy> entries()
 {
     QList<VeskBuddy> result;

@@ -48,7 +48,6 @@ VESK_HOST_EXPORT VeskBuddy addContact(const ContactInfo &info);
 VESK_HOST_EXPORT VeskBuddy addTemporary(const ContactInfo &info);
 // An entry of any kind code (e.g. 0 or 7), with a display name and nothing else.
 VESK_HOST_EXPORT VeskBuddy addEntry(int typeCode, const QString &display);
-VESK_HOST_EXPORT void setPresence(const VeskBuddy &buddy, const VeskPresence &presence);
 // Every entry added since the last reset, in the order of addition.
 VESK_HOST_EXPORT QList<VeskBuddy> entries();
 // Forgets entries, groups, accounts and protocols; earlier handles and
