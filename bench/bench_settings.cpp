@@ -4,9 +4,9 @@
 #include "benchmarks.h"
 #include "benchworld.h"
 
-#include <standin/veskstandin.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
+#include <veskstandin.h>
 
 #include <QHash>
 

@@ -1,7 +1,7 @@
 #include "benchroster.h"
 
 #include <rosterfile.h>
-#include <standin/veskstandin.h>
+#include <veskstandin.h>
 
 #include <benchmark/benchmark.h>
 

@@ -1,9 +1,9 @@
 #include "benchworld.h"
 
-#include <standin/veskstandin.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskrostersortersmanager.h>
+#include <veskstandin.h>
 
 #include <QDir>
 #include <QLocale>

@@ -6,10 +6,10 @@
 
 #include "reliabilitysupport.h"
 
-#include <standin/veskstandin.h>
 #include <veskfield.h>
 #include <veskrosterfilter.h>
 #include <veskrosterfiltersmanager.h>
+#include <veskstandin.h>
 #include <veskxmlnode.h>
 
 #include <QTemporaryDir>

@@ -7,10 +7,10 @@
 
 #include "reliabilitysupport.h"
 
-#include <standin/veskstandin.h>
 #include <veskfield.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
+#include <veskstandin.h>
 
 #include <QDir>
 #include <QTemporaryDir>

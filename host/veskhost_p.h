@@ -1,7 +1,9 @@
 #pragma once
 
-// State of the stand-in host, shared by its sources.
+// State of the stand-in host, shared by its sources and by the stand-in's
+// construction API. Exported for that library only: private, never installed.
 
+#include "vesk_host_export.h"
 #include "veskarg.h"
 #include "veskpresence.h"
 
@@ -28,7 +30,7 @@ struct VeskRosterEntry
     int pos = 0;
 };
 
-struct VeskStandInAccess
+struct VESK_HOST_EXPORT VeskStandInAccess
 {
     static VeskPresence makePresence(const QString &id, const QString &display,
         const QString &description, int flag, int priority);
@@ -44,7 +46,7 @@ struct VeskStandInAccess
     static const VeskRosterEntry *entryOf(const VeskBuddy &buddy);
 };
 
-struct VeskRosterStore
+struct VESK_HOST_EXPORT VeskRosterStore
 {
     std::vector<std::unique_ptr<VeskRosterEntry>> entries;
     QStringList groupNames;
@@ -53,7 +55,7 @@ struct VeskRosterStore
 };
 
 // One store of global settings, kept as a file in the settings directory.
-class VeskSettingsStore
+class VESK_HOST_EXPORT VeskSettingsStore
 {
 public:
     static VeskSettingsStore &self();

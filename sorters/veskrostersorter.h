@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../filters/vesk_roster_filter_export.h"
+#include <vesk_roster_filter_export.h>
 
 class VeskBuddy;
 

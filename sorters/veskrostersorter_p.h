@@ -1,7 +1,7 @@
 #pragma once
 
-#include "../filters/veskentrykind_p.h"
 #include <veskbuddy.h>
+#include <veskentrykind_p.h>
 #include <veskpresence.h>
 
 #include <QtGlobal>

@@ -1,5 +1,5 @@
 #include "veskrostersorterbyname.h"
-#include "../filters/veskentrykind_p.h"
+#include <veskentrykind_p.h>
 
 #include <veskbuddy.h>
 

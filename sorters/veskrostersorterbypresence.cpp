@@ -1,5 +1,5 @@
 #include "veskrostersorterbypresence.h"
-#include "../filters/veskentrykind_p.h"
+#include <veskentrykind_p.h>
 
 #include "veskrostersorter_p.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../veskrosterfilter.h"
+#include <veskrosterfilter.h>
 
 // Passes a contact or temporary contact known through, or not through, the
 // account the user chose; "is not" passes every other entry too. An account is

@@ -1,5 +1,5 @@
-#include "../veskentrykind_p.h"
 #include "veskchoicecondition_p.h"
+#include <veskentrykind_p.h>
 
 #include <veskaccount.h>
 #include <veskbuddy.h>

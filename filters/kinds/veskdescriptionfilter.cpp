@@ -1,5 +1,5 @@
 #include "veskdescriptionfilter.h"
-#include "../veskentrykind_p.h"
+#include <veskentrykind_p.h>
 
 #include "vesktextcondition_p.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../veskrosterfilter.h"
+#include <veskrosterfilter.h>
 
 // Passes a contact whose presence description contains, does not contain or
 // equals a text the user typed, or is not empty.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../veskrosterfilter.h"
+#include <veskrosterfilter.h>
 
 // Passes an entry whose display name contains, does not contain or equals a
 // text the user typed.

@@ -1,5 +1,5 @@
 #include "veskgroupfilter.h"
-#include "../veskentrykind_p.h"
+#include <veskentrykind_p.h>
 
 #include "veskchoicecondition_p.h"
 

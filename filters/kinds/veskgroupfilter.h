@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../veskrosterfilter.h"
+#include <veskrosterfilter.h>
 
 // Passes an entry whose group is, or is not, the group the user chose. Entries
 // other than contacts and temporary contacts stand in a group with an empty name.

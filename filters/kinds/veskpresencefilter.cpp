@@ -1,6 +1,6 @@
 #include "veskpresencefilter.h"
-#include "../veskentrykind_p.h"
 #include "veskchoicecondition_p.h"
+#include <veskentrykind_p.h>
 
 #include <veskbuddy.h>
 #include <veskpresence.h>

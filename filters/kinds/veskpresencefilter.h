@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../veskrosterfilter.h"
+#include <veskrosterfilter.h>
 
 class VESK_ROSTER_FILTER_EXPORT VeskPresenceFilter : public VeskRosterFilter
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../veskrosterfilter.h"
+#include <veskrosterfilter.h>
 
 // Passes a contact or temporary contact whose account is, or is not, of the
 // protocol the user chose; "is not" passes every other entry too.

@@ -4,10 +4,11 @@
 // rosters, accounts, protocols and the settings directory with it; the filter
 // library itself never includes this header.
 
-#include "../vesk_host_export.h"
-#include "../veskarg.h"
-#include "../veskbuddy.h"
-#include "../veskpresence.h"
+#include "vesk_standin_export.h"
+
+#include <veskarg.h>
+#include <veskbuddy.h>
+#include <veskpresence.h>
 
 #include <QHash>
 #include <QList>
@@ -19,17 +20,18 @@ class VeskProtocol;
 
 namespace VeskStandIn {
 
-VESK_HOST_EXPORT VeskPresence makePresence(const QString &id, const QString &display = QString(),
+VESK_STANDIN_EXPORT VeskPresence makePresence(const QString &id, const QString &display = QString(),
     const QString &description = QString(), int flag = 0, int priority = 0);
-VESK_HOST_EXPORT VeskSubscriptionType makeSubscription(int priority);
-VESK_HOST_EXPORT VeskArg makeIntArg(int value);
+VESK_STANDIN_EXPORT VeskSubscriptionType makeSubscription(int priority);
+VESK_STANDIN_EXPORT VeskArg makeIntArg(int value);
 // Any type code with any value, e.g. (VeskArg::TypeString, "7").
-VESK_HOST_EXPORT VeskArg makeArg(int type, const QVariant &value);
+VESK_STANDIN_EXPORT VeskArg makeArg(int type, const QVariant &value);
 
 // Protocols and accounts are listed in the order of their addition.
-VESK_HOST_EXPORT VeskProtocol *addProtocol(
+VESK_STANDIN_EXPORT VeskProtocol *addProtocol(
     const QString &name, const QList<VeskPresence> &defaultPresences);
-VESK_HOST_EXPORT VeskAccountConnection *addAccount(const QString &uid, const QString &protocolName);
+VESK_STANDIN_EXPORT VeskAccountConnection *addAccount(
+    const QString &uid, const QString &protocolName);
 
 struct ContactInfo
 {
@@ -42,22 +44,22 @@ struct ContactInfo
 };
 
 // Groups are listed by VeskRoster::getGroupsNames() in the order of addition.
-VESK_HOST_EXPORT VeskBuddy addGroup(const QString &name, int pos);
-VESK_HOST_EXPORT VeskBuddy addContact(const ContactInfo &info);
+VESK_STANDIN_EXPORT VeskBuddy addGroup(const QString &name, int pos);
+VESK_STANDIN_EXPORT VeskBuddy addContact(const ContactInfo &info);
 // A temporary contact has no subscription and no attributes.
-VESK_HOST_EXPORT VeskBuddy addTemporary(const ContactInfo &info);
+VESK_STANDIN_EXPORT VeskBuddy addTemporary(const ContactInfo &info);
 // An entry of any kind code (e.g. 0 or 7), with a display name and nothing else.
-VESK_HOST_EXPORT VeskBuddy addEntry(int typeCode, const QString &display);
+VESK_STANDIN_EXPORT VeskBuddy addEntry(int typeCode, const QString &display);
 // Every entry added since the last reset, in the order of addition.
-VESK_HOST_EXPORT QList<VeskBuddy> entries();
+VESK_STANDIN_EXPORT QList<VeskBuddy> entries();
 // Forgets entries, groups, accounts and protocols; earlier handles and
 // pointers become invalid.
-VESK_HOST_EXPORT void resetRoster();
+VESK_STANDIN_EXPORT void resetRoster();
 
 // Points the settings store at a directory (created when missing) and loads
 // what an earlier store, in this process or another, wrote there.
-VESK_HOST_EXPORT void setSettingsDir(const QString &dir);
+VESK_STANDIN_EXPORT void setSettingsDir(const QString &dir);
 // The file in which the store keeps its values.
-VESK_HOST_EXPORT QString settingsFilePath();
+VESK_STANDIN_EXPORT QString settingsFilePath();
 
 } // namespace VeskStandIn

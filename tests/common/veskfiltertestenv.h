@@ -5,12 +5,12 @@
 // both managers with the stacks the filters manager keeps: it never deletes
 // them itself, so a test must.
 
-#include <standin/veskstandin.h>
 #include <veskrosterfilter.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskrostersortersmanager.h>
 #include <vesksettingsmanager.h>
+#include <veskstandin.h>
 
 #include <QFile>
 #include <QSet>

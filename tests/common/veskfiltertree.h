@@ -3,11 +3,11 @@
 // Builds, configures and describes filters for tests: a whole tree or field
 // list compares as one string.
 
-#include <standin/veskstandin.h>
 #include <veskfield.h>
 #include <veskrosterfilter.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
+#include <veskstandin.h>
 
 #include <QPair>
 #include <QStringList>

@@ -1,9 +1,9 @@
 // The stand-in host: what the filter library relies on from fields, XML
 // nodes and the settings store.
 
-#include <standin/veskstandin.h>
 #include <veskfield.h>
 #include <vesksettingsmanager.h>
+#include <veskstandin.h>
 #include <veskxmlnode.h>
 
 #include <QTemporaryDir>

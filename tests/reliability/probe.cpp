@@ -9,8 +9,8 @@
 
 #include "reliabilitysupport.h"
 
-#include <standin/veskstandin.h>
 #include <veskrosterfiltersmanager.h>
+#include <veskstandin.h>
 
 #include <QElapsedTimer>
 

@@ -1,11 +1,11 @@
 #include "reliabilitysupport.h"
 
-#include <standin/veskstandin.h>
 #include <veskbuddy.h>
 #include <veskfield.h>
 #include <veskrosterfilter.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
+#include <veskstandin.h>
 
 #include <QCryptographicHash>
 #include <QDir>

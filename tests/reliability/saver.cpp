@@ -8,9 +8,9 @@
 
 #include "reliabilitysupport.h"
 
-#include <standin/veskstandin.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
+#include <veskstandin.h>
 
 #include <QByteArray>
 #include <QDir>

@@ -8,11 +8,11 @@
 
 #include "reliabilitysupport.h"
 
-#include <standin/veskstandin.h>
 #include <veskbuddy.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskrostersortersmanager.h>
+#include <veskstandin.h>
 
 #include <QTemporaryDir>
 

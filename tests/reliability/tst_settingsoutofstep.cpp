@@ -7,11 +7,11 @@
 
 #include "reliabilitysupport.h"
 
-#include <standin/veskstandin.h>
 #include <veskfield.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <vesksettingsmanager.h>
+#include <veskstandin.h>
 
 #include <QDir>
 #include <QRandomGenerator>

@@ -2,7 +2,7 @@
 
 // Roster entries for the sorting tests.
 
-#include <standin/veskstandin.h>
+#include <veskstandin.h>
 
 namespace SortersFixture {
 

@@ -9,7 +9,7 @@
 #include "settingssnapshot.h"
 #include "text_p.h"
 
-#include <standin/veskstandin.h>
+#include <veskstandin.h>
 
 #include <QFile>
 

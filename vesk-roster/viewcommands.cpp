@@ -13,7 +13,7 @@
 #include "text_p.h"
 #include "texttable.h"
 
-#include <standin/veskstandin.h>
+#include <veskstandin.h>
 #include <veskfield.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>

@@ -1,7 +1,7 @@
 // The roster file format as the stand-in host receives it.
 
 #include <rosterfile.h>
-#include <standin/veskstandin.h>
+#include <veskstandin.h>
 #include <veskaccount.h>
 #include <veskbuddy.h>
 

@@ -1,6 +1,6 @@
 #include "rosterfile.h"
 
-#include <standin/veskstandin.h>
+#include <veskstandin.h>
 
 #include <QCoreApplication>
 #include <QHash>

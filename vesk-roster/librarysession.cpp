@@ -4,7 +4,7 @@
 #include "settingssnapshot.h"
 #include "text_p.h"
 
-#include <standin/veskstandin.h>
+#include <veskstandin.h>
 #include <veskfield.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
