@@ -152,7 +152,7 @@ bool VeskSettingsLock::lock(const QString &settingsDir, Mode mode, int timeoutMs
         // Polling with a short, growing pause: flock() cannot wait with a
         // bound, and a short pause keeps a waiter from starving behind a
         // stream of short runs.
-        QThread::msleep(ulong(qBound<qint64>(1, deadline.remainingTime(), pause)));
+        QThread::msleep(ulong(qBound(qint64(1), deadline.remainingTime(), qint64(pause))));
         pause = qMin(pause * 2, 20);
     }
 #else
