@@ -6,7 +6,7 @@
 // copies.
 
 #include "veskchoicecondition_p.h"
-#include "veskrosterfilter.h"
+#include "veskrosterfiltersstack.h"
 
 #include <veskaccount.h>
 #include <veskbuddy.h>
@@ -279,4 +279,13 @@ Q_ALWAYS_INLINE bool VeskFilterPlan::evaluate(const VeskBuddy &buddy) const
         at = passes ? step.onTrue : step.onFalse;
     } while (at >= 0);
     return at == Pass;
+}
+
+inline bool VeskRosterFiltersStack::walk(const VeskBuddy &buddy) const
+{
+    ++walks;
+    const bool passes = plan->evaluate(buddy);
+    if (--walks == 0 && Q_UNLIKELY(retired))
+        releaseRetired();
+    return passes;
 }

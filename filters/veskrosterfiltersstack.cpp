@@ -40,10 +40,7 @@ VeskRosterFiltersStack::~VeskRosterFiltersStack()
 {
     qDeleteAll(filters);
     delete plan;
-    while (VeskFilterPlan *old = retired) {
-        retired = old->nextRetired;
-        delete old;
-    }
+    releaseRetired();
 }
 
 VeskRosterFilter::RosterFilterType VeskRosterFiltersStack::getType() const
@@ -98,15 +95,15 @@ bool VeskRosterFiltersStack::filter(const VeskBuddy &buddy) const
     // (and an empty OR passes); any other type refuses. The plan holds the
     // tree as it stood when the walk began: a filter of the host's that
     // changes the tree while it is asked changes the next walk, not this one.
-    ++walks;
-    const bool passes = plan->evaluate(buddy);
-    if (--walks == 0 && retired) {
-        while (VeskFilterPlan *old = retired) {
-            retired = old->nextRetired;
-            delete old;
-        }
+    return walk(buddy);
+}
+
+void VeskRosterFiltersStack::releaseRetired() const
+{
+    while (VeskFilterPlan *old = retired) {
+        retired = old->nextRetired;
+        delete old;
     }
-    return passes;
 }
 
 void VeskRosterFiltersStack::prepare()

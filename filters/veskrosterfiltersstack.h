@@ -32,8 +32,12 @@ public:
 
 private:
     friend class VeskFilterPlan;
+    friend class VeskRosterFiltersManager; // walks its current stack without a virtual call
     Q_DISABLE_COPY(VeskRosterFiltersStack)
 
+    // filter() of this class, whatever a subclass makes of filter().
+    inline bool walk(const VeskBuddy &buddy) const;
+    void releaseRetired() const;
     // Prepares the plan again, and those of the stacks above.
     void prepare();
     void readChildren();
