@@ -1,8 +1,8 @@
 #include "veskfiltertestenv.h"
 #include "veskfiltertree.h"
+#include "veskrostershown.h"
 
 #include <rosterfile.h>
-#include <rosterview.h>
 #include <veskrosterproxymodel.h>
 
 #include <QAbstractItemModelTester>
@@ -14,6 +14,8 @@
 
 namespace {
 
+using VeskRosterShown::reference;
+using VeskRosterShown::shown;
 const int buddyRole = VeskRosterProxyModel::BuddyRole;
 
 QStandardItem *itemFor(const VeskBuddy &buddy)
@@ -48,52 +50,6 @@ std::unique_ptr<QStandardItemModel> rosterModel()
         (parent ? parent : model->invisibleRootItem())->appendRow(itemFor(buddy));
     }
     return model;
-}
-
-// "Group: a, b | -: c", in the proxy's row order: a run of top-level members
-// is one "-" part.
-QString shown(const QAbstractItemModel &proxy)
-{
-    QStringList parts;
-    QStringList members;
-    auto endRun = [&] {
-        if (!members.isEmpty())
-            parts.append(QLatin1String("-: ") + members.join(QLatin1String(", ")));
-        members.clear();
-    };
-    for (int row = 0; row < proxy.rowCount(); ++row) {
-        const QModelIndex index = proxy.index(row, 0);
-        if (index.data(buddyRole).value<VeskBuddy>().getType() != VeskBuddy::TypeGroup) {
-            members.append(index.data().toString());
-            continue;
-        }
-        endRun();
-        for (int member = 0; member < proxy.rowCount(index); ++member)
-            members.append(proxy.index(member, 0, index).data().toString());
-        parts.append(
-            index.data().toString() + QLatin1String(": ") + members.join(QLatin1String(", ")));
-        members.clear();
-    }
-    endRun();
-    return parts.join(QLatin1String(" | "));
-}
-
-QString reference()
-{
-    const VeskRosterView view(VeskStandIn::entries(), VeskRosterFiltersManager::getInstance(),
-        VeskRosterSortersManager::getInstance());
-    QStringList parts;
-    auto names = [](const QVector<VeskRosterView::Entry> &entries) {
-        QStringList list;
-        for (const VeskRosterView::Entry &entry : entries)
-            list.append(entry.display);
-        return list.join(QLatin1String(", "));
-    };
-    for (const VeskRosterView::Group &group : view.groups)
-        parts.append(group.name + QLatin1String(": ") + names(group.entries));
-    if (!view.ungrouped.isEmpty())
-        parts.append(QLatin1String("-: ") + names(view.ungrouped));
-    return parts.join(QLatin1String(" | "));
 }
 
 void configureRandomly(VeskRosterFilter *leaf, QRandomGenerator &random)
