@@ -4,7 +4,6 @@
 #include "rosterlibrary.h"
 
 #include <librarysession.h>
-#include <refusal.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 
@@ -13,6 +12,7 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -526,101 +526,7 @@ void VeskFilterEditor::accept()
 {
     QString error;
     const bool stored = library->change(
-        [this](VeskLibrarySession &session) {
-            VeskRosterFiltersManager *manager = session.filters();
-            // Everything is checked before anything is touched.
-            QSet<QString> names;
-            for (const auto &entry : drafts) {
-                if (!entry->root)
-                    continue;
-                if (entry->name.isEmpty())
-                    refuse(tr("a filter needs a name"));
-                if (entry->name == defaultId)
-                    refuse(tr("\"default\" is the name of the built-in filter; choose another"));
-                if (names.contains(entry->name))
-                    refuse(
-                        tr("two filters are named \"%1\"; choose another name").arg(entry->name));
-                names.insert(entry->name);
-                if (VeskFilterTreeOps::depth(entry->root.get()) > maximumDepth) {
-                    refuse(tr("the filter \"%1\" nests stacks deeper than %2 levels")
-                               .arg(entry->name)
-                               .arg(maximumDepth));
-                }
-                if (hasEmptyStack(entry->root.get())) {
-                    refuse(tr("the filter \"%1\" has a stack without conditions: a stack stored "
-                              "without children does not read back as it was, so it is never "
-                              "stored")
-                               .arg(entry->name));
-                }
-            }
-
-            auto drop = [&](const QString &id) {
-                if (VeskRosterFiltersStack *stack = manager->getStackFilter(id)) {
-                    manager->removeStackFilter(id);
-                    session.release(stack);
-                    delete stack;
-                }
-            };
-            for (const QString &id : qAsConst(openedWith)) {
-                if (std::none_of(drafts.begin(), drafts.end(),
-                        [&](const auto &entry) { return entry->original == id; }))
-                    drop(id);
-            }
-            const QString current = manager->getCurrentFilterName();
-            QStringList order = { defaultId };
-            for (const auto &entry : drafts) {
-                if (!entry->root)
-                    continue;
-                order.append(entry->name);
-                if (!entry->dirty)
-                    continue;
-                if (!entry->original.isEmpty())
-                    drop(entry->original);
-                if (manager->getStackFilter(entry->name))
-                    refuse(tr("a filter named \"%1\" already exists").arg(entry->name));
-                VeskRosterFiltersStack *stack
-                    = manager->addStackFilter(entry->name, entry->root->getType());
-                session.adopt(stack);
-                const QList<VeskRosterFilter *> children = entry->root->getFilters();
-                for (VeskRosterFilter *child : children)
-                    stack->appendFilter(copy(child, manager));
-                stack->setAdvancedMode(entry->advanced);
-                if (!entry->original.isEmpty() && entry->original == current)
-                    manager->setCurrentFilter(entry->name);
-                stack->setSorter(entry->sorter);
-                stack->writeFilterSettings();
-            }
-            // Filters another program added meanwhile keep their place at the end.
-            const QStringList registered = manager->getFilterNames();
-            for (const QString &id : registered) {
-                if (!order.contains(id))
-                    order.append(id);
-            }
-            session.storeDisplayOrder(order);
-        },
-        [this](VeskLibrarySession &session) {
-            VeskRosterFiltersManager *manager = session.filters();
-            QStringList expected;
-            for (const auto &entry : drafts) {
-                if (!entry->root)
-                    continue;
-                expected.append(entry->name);
-                VeskRosterFiltersStack *stack = manager->getStackFilter(entry->name);
-                if (!stack || describe(stack) != describe(entry->root.get())
-                    || stack->isAdvancedMode() != entry->advanced) {
-                    refuse(tr("the filter \"%1\" did not read back as it was edited; nothing was "
-                              "stored")
-                               .arg(entry->name));
-                }
-            }
-            QStringList order = manager->getFilterNames();
-            order.erase(std::remove_if(order.begin(), order.end(),
-                            [&](const QString &id) { return !expected.contains(id); }),
-                order.end());
-            if (order != expected)
-                refuse(tr("the order of the filters did not read back as it was edited; nothing "
-                          "was stored"));
-        },
+        [this](VeskLibrarySession &session, QString *error) { return store(session, error); },
         &error);
     if (!stored) {
         messageLabel->setText(error);
@@ -628,4 +534,96 @@ void VeskFilterEditor::accept()
         return;
     }
     QDialog::accept();
+}
+
+QString VeskFilterEditor::check() const
+{
+    QSet<QString> names;
+    for (const auto &entry : drafts) {
+        if (!entry->root)
+            continue;
+        if (entry->name.isEmpty())
+            return tr("a filter needs a name");
+        if (entry->name == defaultId)
+            return tr("\"default\" is the name of the built-in filter; choose another");
+        if (names.contains(entry->name))
+            return tr("two filters are named \"%1\"; choose another name").arg(entry->name);
+        names.insert(entry->name);
+        const int nesting = VeskLibrarySession::nestingOf(entry->root.get());
+        if (nesting > VeskLibrarySession::maximumNesting()) {
+            return tr("the filter \"%1\" nests stacks %2 levels deep, deeper than %3 levels")
+                .arg(entry->name)
+                .arg(nesting)
+                .arg(VeskLibrarySession::maximumNesting());
+        }
+        if (hasEmptyStack(entry->root.get())) {
+            return tr("the filter \"%1\" has a stack without conditions: a stack stored without "
+                      "children does not read back as it was, so it is never stored")
+                .arg(entry->name);
+        }
+    }
+    return QString();
+}
+
+bool VeskFilterEditor::store(VeskLibrarySession &session, QString *error)
+{
+    // Everything is checked before anything is touched.
+    *error = check();
+    if (!error->isEmpty())
+        return false;
+    VeskRosterFiltersManager *manager = session.filters();
+    for (const QString &id : qAsConst(openedWith)) {
+        const bool kept = std::any_of(
+            drafts.begin(), drafts.end(), [&](const auto &entry) { return entry->original == id; });
+        if (!kept && session.stack(id) && !session.removeStack(id, error))
+            return false;
+    }
+    for (const auto &entry : drafts) {
+        if (!entry->root || !entry->dirty)
+            continue;
+        if (!entry->original.isEmpty() && session.stack(entry->original)) {
+            const std::unique_ptr<VeskRosterFiltersStack> replacement(
+                static_cast<VeskRosterFiltersStack *>(copy(entry->root.get(), manager)));
+            replacement->setAdvancedMode(entry->advanced);
+            replacement->setSorter(entry->sorter);
+            if (!session.replaceStack(entry->original, replacement.get(), error))
+                return false;
+            if (entry->name != entry->original
+                && !session.renameStack(entry->original, entry->name, error))
+                return false;
+            continue;
+        }
+        VeskRosterFiltersStack *stack
+            = session.createStack(entry->name, entry->root->getType(), error);
+        if (!stack)
+            return false;
+        const QList<VeskRosterFilter *> children = entry->root->getFilters();
+        for (VeskRosterFilter *child : children)
+            stack->appendFilter(copy(child, manager));
+        stack->setAdvancedMode(entry->advanced);
+        stack->setSorter(entry->sorter);
+        if (!session.storeNewStack(stack, error))
+            return false;
+    }
+
+    // The display order, one step at a time as the library moves filters.
+    // Filters another program added meanwhile sink to the end.
+    QHash<QString, int> rank;
+    for (const auto &entry : drafts)
+        rank.insert(entry->name, int(rank.size()));
+    auto rankOf = [&](const QString &id) {
+        return rank.value(id, int(rank.size()));
+    };
+    for (bool moved = true; moved;) {
+        moved = false;
+        const QStringList order = manager->getFilterNames();
+        for (int i = 2; i < order.size() && !moved; ++i) {
+            if (rankOf(order.at(i - 1)) > rankOf(order.at(i))) {
+                if (!session.moveUp(order.at(i), error))
+                    return false;
+                moved = true;
+            }
+        }
+    }
+    return true;
 }

@@ -20,6 +20,7 @@ class QTreeWidget;
 class QTreeWidgetItem;
 class QWidget;
 class VeskRosterFiltersStack;
+class VeskLibrarySession;
 class VeskRosterLibrary;
 
 // Edits every filter at once: the list of filters (new, rename, remove,
@@ -34,9 +35,6 @@ class VeskFilterEditor : public QDialog
 public:
     VeskFilterEditor(VeskRosterLibrary *library, QWidget *parent = nullptr);
     ~VeskFilterEditor() override;
-
-    // The most nested stacks a filter may have.
-    static constexpr int maximumDepth = 32;
 
     // The message of the last refusal; empty while there is none.
     QString message() const;
@@ -78,7 +76,9 @@ private:
     void setJoin(int index);
     void setField(int field, const QString &value);
 
-    void store(VeskRosterLibrary &library);
+    // Why the filters cannot be stored as they are; empty when they can.
+    QString check() const;
+    bool store(VeskLibrarySession &session, QString *error);
 
     VeskRosterLibrary *library;
     std::vector<std::unique_ptr<Draft>> drafts;

@@ -3,8 +3,6 @@
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 
-#include <QStringList>
-
 namespace VeskFilterTreeOps {
 
 VeskRosterFiltersStack *asStack(VeskRosterFilter *filter)
@@ -44,39 +42,6 @@ VeskRosterFiltersStack *retype(VeskRosterFiltersStack *stack,
         result->appendFilter(child);
     }
     return result;
-}
-
-QString describe(VeskRosterFilter *filter)
-{
-    VeskRosterFiltersStack *stack = asStack(filter);
-    if (!stack) {
-        QStringList values;
-        const QList<VeskField> fields = filter->getConfiguration();
-        for (const VeskField &field : fields) {
-            values.append(field.getId() + QLatin1Char('=')
-                + (field.getKind() == VeskField::ComboBox ? field.getSelectedId()
-                                                          : field.getText()));
-        }
-        return filter->id() + QLatin1Char('{') + values.join(QLatin1Char(';')) + QLatin1Char('}');
-    }
-    QStringList children;
-    const QList<VeskRosterFilter *> filters = stack->getFilters();
-    for (VeskRosterFilter *child : filters)
-        children.append(describe(child));
-    return QString::number(stack->getType()) + QLatin1Char('[') + children.join(QLatin1Char(','))
-        + QLatin1Char(']');
-}
-
-int depth(VeskRosterFilter *filter)
-{
-    VeskRosterFiltersStack *stack = asStack(filter);
-    if (!stack)
-        return 0;
-    int deepest = 0;
-    const QList<VeskRosterFilter *> children = stack->getFilters();
-    for (VeskRosterFilter *child : children)
-        deepest = qMax(deepest, depth(child));
-    return deepest + 1;
 }
 
 bool hasEmptyStack(VeskRosterFilter *filter)

@@ -8,7 +8,7 @@ class VeskRosterFiltersManager;
 class VeskRosterFiltersStack;
 
 // Filters as the filter editor handles them: copies made through the
-// manager's factory, and a description that compares two trees.
+// manager's factory.
 namespace VeskFilterTreeOps {
 
 // A copy of a leaf (its kind, its configuration) or of a stack and all its
@@ -19,10 +19,6 @@ VeskRosterFiltersStack *retype(VeskRosterFiltersStack *stack,
     VeskRosterFilter::RosterFilterType type, VeskRosterFiltersManager *manager);
 VeskRosterFiltersStack *asStack(VeskRosterFilter *filter);
 
-// Type and children of a stack, kind and field values of a leaf.
-QString describe(VeskRosterFilter *filter);
-// Levels of stacks, the given one counting as one.
-int depth(VeskRosterFilter *filter);
 // True when the tree holds a stack without children.
 bool hasEmptyStack(VeskRosterFilter *filter);
 

@@ -1,11 +1,11 @@
 #include "mainwindow.h"
 
 #include "filtereditor.h"
+#include "filtertree.h"
 #include "rosterlibrary.h"
 #include "rostertreemodel.h"
 
 #include <librarysession.h>
-#include <refusal.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskrosterproxymodel.h>
@@ -198,18 +198,9 @@ void VeskRosterWindow::chooseFilter(int index)
 {
     const QString id = filterCombo->itemData(index).toString();
     QString error;
-    const bool done = rosterLibrary->change(
-        [&](VeskLibrarySession &session) {
-            if (!session.isRegistered(id))
-                refuse(tr("the filter \"%1\" no longer exists").arg(id));
-            session.filters()->setCurrentFilter(id);
-        },
-        [&](VeskLibrarySession &session) {
-            if (session.filters()->getCurrentFilterName() != id)
-                refuse(tr("the filter \"%1\" did not stay current").arg(id));
-        },
-        &error);
-    if (!done)
+    if (!rosterLibrary->change([&](VeskLibrarySession &session,
+                                   QString *error) { return session.setCurrentFilter(id, error); },
+            &error))
         showError(error);
 }
 
@@ -218,18 +209,22 @@ void VeskRosterWindow::chooseSorter(int index)
     const QString name = sorterCombo->itemData(index).toString();
     QString error;
     const bool done = rosterLibrary->change(
-        [&](VeskLibrarySession &session) {
-            // The library records the method in the current filter, whose
-            // file keeps it, or as the default while "default" is current.
-            session.sorters()->setCurrentSorter(name);
-            auto *stack
-                = dynamic_cast<VeskRosterFiltersStack *>(session.filters()->getCurrentFilter());
-            if (stack && stack->id() != defaultId)
-                stack->writeFilterSettings();
-        },
-        [&](VeskLibrarySession &session) {
-            if (!name.isEmpty() && currentMethod(session) != name)
-                refuse(tr("the sorting method \"%1\" did not stay chosen").arg(name));
+        [&](VeskLibrarySession &session, QString *error) {
+            if (!name.isEmpty())
+                return session.sortCurrentFilter(name, error);
+            // The built-in order: no default method, and none kept by the
+            // current filter, which then takes the (empty) default.
+            const QString current = session.filters()->getCurrentFilterName();
+            VeskRosterFiltersStack *stack = session.stack(current);
+            if (!session.setDefaultSorter(QString(), error))
+                return false;
+            if (!stack || stack->getSorter().isEmpty())
+                return true;
+            const std::unique_ptr<VeskRosterFiltersStack> replacement(
+                static_cast<VeskRosterFiltersStack *>(
+                    VeskFilterTreeOps::copy(stack, session.filters())));
+            replacement->setAdvancedMode(stack->isAdvancedMode());
+            return session.replaceStack(current, replacement.get(), error);
         },
         &error);
     if (!done)

@@ -1,8 +1,6 @@
 #include "rosterlibrary.h"
 
 #include <librarysession.h>
-#include <refusal.h>
-#include <settingssnapshot.h>
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -11,7 +9,7 @@
 
 VeskRosterLibrary::VeskRosterLibrary(const QString &settingsDir, QObject *parent)
     : QObject(parent)
-    , dir(settingsDir.endsWith(QLatin1Char('/')) ? settingsDir : settingsDir + QLatin1Char('/'))
+    , dir(QDir::cleanPath(QDir(settingsDir).absolutePath()))
 {
     connect(&watcher, &QFileSystemWatcher::fileChanged, this, &VeskRosterLibrary::reloadIfChanged);
     connect(
@@ -22,68 +20,66 @@ VeskRosterLibrary::~VeskRosterLibrary() = default;
 
 bool VeskRosterLibrary::open(QString *error)
 {
-    // Start-up itself stores the current filter; it is a change like any other.
-    return change([](VeskLibrarySession &) {}, [](VeskLibrarySession &) {}, error);
+    // Start-up stores the current filter when the stored one is gone: a
+    // change like any other, then the first read.
+    return change([](VeskLibrarySession &, QString *) { return true; }, error);
 }
 
-bool VeskRosterLibrary::change(const Step &edit, const Step &verify, QString *error)
+bool VeskRosterLibrary::change(const Edit &edit, QString *error)
 {
-    if (!lockForWriting(error))
-        return false;
-    bool done = false;
-    if (!current || fingerprint() != known)
-        reload();
-    const VeskSettingsSnapshot snapshot = VeskSettingsSnapshot::take(dir);
-    try {
-        edit(*current);
-        reload();
-        verify(*current);
-        done = true;
-    } catch (const VeskRefusal &refusal) {
-        *error = refusal.message();
-        snapshot.restore();
-        reload();
+    // The library's managers are singletons: the reading session gives them
+    // up for the writing one, which starts them from what is on disk now.
+    reading.reset();
+    VeskLibrarySession writing;
+    bool done = writing.open(dir, VeskLibrarySession::ReadWrite, error, lockTimeoutMs);
+    if (done) {
+        done = edit(writing, error) && writing.commit(error);
+        if (!done)
+            writing.rollback();
     }
-    unlock();
+    writing.close();
+    QString readError;
+    if (!read(&readError)) {
+        *error = readError;
+        return false;
+    }
     return done;
+}
+
+bool VeskRosterLibrary::read(QString *error)
+{
+    reading.reset();
+    // The window cannot show anything without the library, and another
+    // run holds the lock only for one short change: wait it out.
+    auto session = std::make_unique<VeskLibrarySession>();
+    bool opened = false;
+    for (int attempt = 0; !opened && attempt < 100; ++attempt)
+        opened = session->open(dir, VeskLibrarySession::ReadOnly, error, lockTimeoutMs);
+    if (!opened)
+        return false;
+    session->releaseLock();
+    known = fingerprint();
+    reading = std::move(session);
+    watch();
+    Q_EMIT reloaded();
+    return true;
 }
 
 void VeskRosterLibrary::reloadIfChanged()
 {
-    if (fingerprint() == known)
-        return;
-    QString error;
-    if (lockForWriting(&error)) {
-        reload();
-        unlock();
+    if (fingerprint() != known) {
+        QString error;
+        read(&error);
     }
-}
-
-bool VeskRosterLibrary::lockForWriting(QString *)
-{
-    return true;
-}
-
-void VeskRosterLibrary::unlock() { }
-
-void VeskRosterLibrary::reload()
-{
-    // The library keeps its state in two singletons: the old session deletes
-    // them, the new one starts them from what is on disk.
-    current.reset();
-    current = std::make_unique<VeskLibrarySession>(dir);
-    known = fingerprint();
-    watch();
-    Q_EMIT reloaded();
 }
 
 QByteArray VeskRosterLibrary::fingerprint() const
 {
-    // The directory is small: its names and bytes say whether anybody wrote
+    // The directory is small: names and bytes tell whether anybody wrote
     // since, where times of modification can miss a write in the same tick.
     QCryptographicHash hash(QCryptographicHash::Sha1);
     QStringList files;
-    QDirIterator it(dir, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    QDirIterator it(dir, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
     while (it.hasNext())
         files.append(it.next());
     files.sort();
@@ -91,8 +87,8 @@ QByteArray VeskRosterLibrary::fingerprint() const
         hash.addData(path.toUtf8());
         QFile file(path);
         if (file.open(QIODevice::ReadOnly))
-            hash.addData(file.readAll());
-        hash.addData("\0", 1);
+            hash.addData(file.read(1 << 20));
+        hash.addData(QByteArray(1, '\0'));
     }
     return hash.result();
 }
@@ -102,7 +98,7 @@ void VeskRosterLibrary::watch()
     const QStringList watched = watcher.files() + watcher.directories();
     if (!watched.isEmpty())
         watcher.removePaths(watched);
-    QStringList paths = { dir, dir + QLatin1String("roster_filters") };
+    QStringList paths = { dir, dir + QLatin1String("/roster_filters") };
     QDirIterator it(dir, QDir::Files, QDirIterator::Subdirectories);
     while (it.hasNext())
         paths.append(it.next());

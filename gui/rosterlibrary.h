@@ -10,13 +10,14 @@
 
 class VeskLibrarySession;
 
-// The roster window's hold on the settings directory. It reads the library's
-// state once and keeps it while the window runs, but every change goes
-// through change(): the settings are read afresh when another program
-// changed them, the edit runs, the library is started again from what is now
-// on disk and the caller checks that it reads back as intended. A refused
-// edit puts every file back as it was. So vesk-roster can work on the same
-// profile while the window is open.
+// The roster window's hold on the settings directory, which vesk-roster may
+// change while the window is open. Between changes the window shows what a
+// session read, without holding the directory's lock. A change takes the
+// lock exclusively, starts the library afresh from disk, stores through the
+// session (which reads back everything it stores) and releases the lock; a
+// refused change puts back every file it touched. After either, the library
+// is read again and reloaded() tells the views. When another program changes
+// the directory, the library is read again too.
 class VeskRosterLibrary : public QObject
 {
     Q_OBJECT
@@ -25,18 +26,22 @@ public:
     ~VeskRosterLibrary() override;
 
     QString settingsDir() const { return dir; }
-    VeskLibrarySession *session() const { return current.get(); }
-    // Why the last open or reload could not take the directory; empty when it did.
+    // The session the window reads; its managers change at every reload.
+    VeskLibrarySession *session() const { return reading.get(); }
+    // Reads the directory (start-up may store the current filter). False with
+    // *error when it cannot.
     bool open(QString *error);
 
-    using Step = std::function<void(VeskLibrarySession &)>;
-    // Runs `edit`, restarts the library from disk and runs `verify` on the new
-    // session. Either may refuse (throw VeskRefusal); then nothing is stored,
-    // *error says why and false is returned.
-    bool change(const Step &edit, const Step &verify, QString *error);
+    using Edit = std::function<bool(VeskLibrarySession &, QString *error)>;
+    // Runs one change under the exclusive lock. False, with *error, when the
+    // lock cannot be had or the change is refused; nothing is stored then.
+    bool change(const Edit &edit, QString *error);
+
+    // How long a change waits for another program's lock.
+    static constexpr int lockTimeoutMs = 3000;
 
 public Q_SLOTS:
-    // Starts the library again when the directory changed since it was last read.
+    // Reads the library again when the directory changed since it was read.
     void reloadIfChanged();
 
 Q_SIGNALS:
@@ -44,16 +49,12 @@ Q_SIGNALS:
     void reloaded();
 
 private:
-    // Where the settings directory's lock is taken and released: exclusive
-    // around a change, shared while reading.
-    bool lockForWriting(QString *error);
-    void unlock();
-    void reload();
+    bool read(QString *error);
     QByteArray fingerprint() const;
     void watch();
 
     QString dir;
-    std::unique_ptr<VeskLibrarySession> current;
-    QByteArray known; // the directory's fingerprint when it was last read or written
+    std::unique_ptr<VeskLibrarySession> reading;
+    QByteArray known; // the directory's fingerprint when it was last read
     QFileSystemWatcher watcher;
 };

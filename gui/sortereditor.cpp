@@ -3,7 +3,6 @@
 #include "rosterlibrary.h"
 
 #include <librarysession.h>
-#include <refusal.h>
 #include <veskrostersortersmanager.h>
 
 #include <QCheckBox>
@@ -219,7 +218,8 @@ void VeskSorterEditor::showComparators(int select)
         item->setData(idRole, current->ids.at(i));
         comparatorText(item, current->ids.at(i), current->ascending.at(i));
     }
-    comparatorList->setCurrentRow(qBound(0, select, comparatorList->count() - 1));
+    if (comparatorList->count() > 0)
+        comparatorList->setCurrentRow(qBound(0, select, comparatorList->count() - 1));
 }
 
 void VeskSorterEditor::changed()
@@ -297,46 +297,7 @@ void VeskSorterEditor::accept()
 {
     QString error;
     const bool stored = library->change(
-        [this](VeskLibrarySession &session) {
-            VeskRosterSortersManager *sorters = session.sorters();
-            QSet<QString> names;
-            for (const Method &entry : methods) {
-                if (entry.name.isEmpty())
-                    refuse(tr("a sorting method needs a name"));
-                if (names.contains(entry.name))
-                    refuse(tr("two methods are named \"%1\"; choose another name").arg(entry.name));
-                names.insert(entry.name);
-            }
-            for (const QString &name : qAsConst(openedWith)) {
-                const bool kept
-                    = std::any_of(methods.begin(), methods.end(), [&](const Method &entry) {
-                          return entry.original == name && entry.name == name;
-                      });
-                if (!kept)
-                    sorters->removeSorter(name);
-            }
-            for (const Method &entry : methods) {
-                if (!entry.dirty && entry.original == entry.name)
-                    continue;
-                sorters->addSorter(entry.name, entry.ids);
-                sorters->setSorterAscending(entry.name, flagsOf(entry.ascending));
-            }
-            if (defaultMethod != openedDefault)
-                sorters->setDefault(defaultMethod);
-        },
-        [this](VeskLibrarySession &session) {
-            VeskRosterSortersManager *sorters = session.sorters();
-            const QStringList stored = sorters->getSorters();
-            for (const Method &entry : methods) {
-                if (!stored.contains(entry.name) || sorters->getSorters(entry.name) != entry.ids
-                    || sorters->getSortersAscending(entry.name).mid(0, entry.ids.size())
-                        != flagsOf(entry.ascending)) {
-                    refuse(tr("the sorting method \"%1\" did not read back as it was edited; "
-                              "nothing was stored")
-                               .arg(entry.name));
-                }
-            }
-        },
+        [this](VeskLibrarySession &session, QString *error) { return store(session, error); },
         &error);
     if (!stored) {
         messageLabel->setText(error);
@@ -344,4 +305,33 @@ void VeskSorterEditor::accept()
         return;
     }
     QDialog::accept();
+}
+
+bool VeskSorterEditor::store(VeskLibrarySession &session, QString *error)
+{
+    QSet<QString> names;
+    for (const Method &entry : methods) {
+        if (entry.name.isEmpty()) {
+            *error = tr("a sorting method needs a name");
+            return false;
+        }
+        if (names.contains(entry.name)) {
+            *error = tr("two methods are named \"%1\"; choose another name").arg(entry.name);
+            return false;
+        }
+        names.insert(entry.name);
+    }
+    const QStringList stored = session.sorters()->getSorters();
+    for (const QString &name : qAsConst(openedWith)) {
+        const bool kept = std::any_of(methods.begin(), methods.end(),
+            [&](const Method &entry) { return entry.original == name && entry.name == name; });
+        if (!kept && stored.contains(name) && !session.removeSorter(name, error))
+            return false;
+    }
+    for (const Method &entry : methods) {
+        if ((entry.dirty || entry.original != entry.name)
+            && !session.storeSorter(entry.name, entry.ids, flagsOf(entry.ascending), error))
+            return false;
+    }
+    return defaultMethod == openedDefault || session.setDefaultSorter(defaultMethod, error);
 }

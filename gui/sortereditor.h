@@ -11,6 +11,7 @@ class QLabel;
 class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
+class VeskLibrarySession;
 class VeskRosterLibrary;
 
 // Edits the sorting methods: each a named chain of comparators, each
@@ -48,6 +49,8 @@ private:
     void addComparator();
     void removeComparator();
     void moveComparator(int delta);
+
+    bool store(VeskLibrarySession &session, QString *error);
 
     VeskRosterLibrary *library;
     std::vector<Method> methods;

@@ -86,14 +86,13 @@ void tst_RosterWindow::init()
     QVERIFY2(library->open(&error), qPrintable(error));
     // One filter of our own to choose: everybody who is not offline.
     QVERIFY(library->change(
-        [](VeskLibrarySession &session) {
-            VeskRosterFiltersStack *stack = session.filters()->addStackFilter(
-                QStringLiteral("online"), VeskRosterFilter::RosterFilterAnd);
-            session.adopt(stack);
+        [](VeskLibrarySession &session, QString *error) {
+            VeskRosterFiltersStack *stack = session.createStack(
+                QStringLiteral("online"), VeskRosterFilter::RosterFilterAnd, error);
             stack->appendFilter(VeskFilterTree::presence(QStringLiteral("offline"), false));
-            stack->writeFilterSettings();
+            return session.storeNewStack(stack, error);
         },
-        [](VeskLibrarySession &) {}, &error));
+        &error));
     window = std::make_unique<VeskRosterWindow>(library.get());
     window->show();
     window->activateWindow();
@@ -240,7 +239,8 @@ void tst_RosterWindow::refusalShowsAMessageAndStoresNothing_data()
     QTest::addColumn<bool>("conditionFirst"); // a condition before the nested stacks, or after
     QTest::addColumn<int>("stacks"); // nested stacks, each inside the last
     QTest::addColumn<QString>("message");
-    QTest::newRow("too deep") << "deep" << false << 32 << "nests stacks deeper than 32 levels";
+    QTest::newRow("too deep") << "deep" << false << VeskLibrarySession::maximumNesting()
+                              << "levels deep, deeper than";
     QTest::newRow("empty nested stack")
         << "hollow" << true << 1 << "has a stack without conditions";
     QTest::newRow("the default filter's name")
