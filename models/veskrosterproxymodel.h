@@ -6,6 +6,9 @@
 
 #include <QMetaType>
 #include <QSortFilterProxyModel>
+#include <QVector>
+
+#include <unordered_map>
 
 class VeskRosterFiltersManager;
 class VeskRosterSortersManager;
@@ -57,6 +60,8 @@ public:
     void setCurrentFilter(const QString &id);
     void setCurrentSorter(const QString &name);
 
+    void setSourceModel(QAbstractItemModel *model) override;
+
 public Q_SLOTS:
     // Picks up the managers anew and re-filters and re-sorts every row.
     void refresh();
@@ -66,6 +71,44 @@ protected:
     bool lessThan(const QModelIndex &left, const QModelIndex &right) const override;
 
 private:
+    // What refresh() learnt of one level of the source (the children of one
+    // parent), by source row: whether the row passes, and its place in the
+    // view's order. A row whose data changed is unknown again and asked
+    // about directly; a change of the source's structure forgets it all.
+    struct Level
+    {
+        QVector<char> passes; // Unknown, or 0/1
+        QVector<int> rank; // -1 when unknown
+    };
+    struct Key
+    {
+        quintptr id;
+        int row;
+        int column;
+        bool operator==(const Key &other) const
+        {
+            return id == other.id && row == other.row && column == other.column;
+        }
+    };
+    struct KeyHash
+    {
+        std::size_t operator()(const Key &key) const
+        {
+            return std::hash<quintptr>()(key.id) ^ (std::size_t(key.row) * 0x9E3779B97F4A7C15ULL)
+                ^ std::size_t(key.column);
+        }
+    };
+    static Key keyOf(const QModelIndex &sourceParent);
+    Level *levelOf(const QModelIndex &sourceParent) const;
+    void learn(const QModelIndex &sourceParent);
+    QVector<int> viewOrder(const QVector<VeskBuddy> &entries) const;
+    void sourceChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight);
+    void forget();
+
+    mutable std::unordered_map<Key, Level, KeyHash> levels;
+    mutable Key lastKey { 0, -2, -2 };
+    mutable Level *lastLevel = nullptr;
+    QList<QMetaObject::Connection> sourceConnections;
     VeskRosterFiltersManager *filters = nullptr;
     VeskRosterSortersManager *sorters = nullptr;
     int role = BuddyRole;

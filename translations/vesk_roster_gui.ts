@@ -144,23 +144,19 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>the filter &quot;%1&quot; nests stacks deeper than %2 levels</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>the filter &quot;%1&quot; has a stack without conditions: a stack stored without children does not read back as it was, so it is never stored</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>a filter named &quot;%1&quot; already exists</source>
+        <source>Kind</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>the filter &quot;%1&quot; did not read back as it was edited; nothing was stored</source>
+        <source>Condition</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>the order of the filters did not read back as it was edited; nothing was stored</source>
+        <source>the filter &quot;%1&quot; nests stacks %2 levels deep, deeper than %3 levels</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -251,18 +247,6 @@
     </message>
     <message>
         <source>built-in order (presence, name)</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>the filter &quot;%1&quot; no longer exists</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>the filter &quot;%1&quot; did not stay current</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>the sorting method &quot;%1&quot; did not stay chosen</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -368,10 +352,6 @@
         <source>two methods are named &quot;%1&quot;; choose another name</source>
         <translation type="unfinished"></translation>
     </message>
-    <message>
-        <source>the sorting method &quot;%1&quot; did not read back as it was edited; nothing was stored</source>
-        <translation type="unfinished"></translation>
-    </message>
 </context>
 <context>
     <name>main</name>
@@ -405,6 +385,10 @@
     </message>
     <message>
         <source>Roster</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save pictures of the window and the editors in DIR, then quit.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
