@@ -203,7 +203,6 @@ private slots:
 
     void storedMethodOrdersTheNextShow_data();
     void storedMethodOrdersTheNextShow();
-    void switchingFiltersSwitchesMethods();
 
     void exportThenImportReproducesAFilter();
 
@@ -445,11 +444,6 @@ void tst_VeskRoster::filterListChangesAsTheLibraryDefines_data()
         << Commands { A({ "remove", "work" }) } << QStringLiteral("*default single nested-single");
     QTest::newRow("import --replace keeps the place")
         << Commands { A({ "import", "single.json", "--as", "work", "--replace" }) } << unchanged;
-    QTest::newRow("names that are no plain file names survive")
-        << Commands { A({ "new", "a/b", "or", "display", "is_or_not=contains" }),
-               A({ "rename", "a/b", ".hidden ünïcode" }),
-               A({ "new", "a/b", "or", "display", "is_or_not=contains" }) }
-        << unchanged + QStringLiteral(" .hidden ünïcode a/b");
     QTest::newRow("up swaps with the entry above")
         << Commands { A({ "up", "nested-single" }) }
         << QStringLiteral("default *work nested-single single");
@@ -471,19 +465,13 @@ void tst_VeskRoster::storedMethodOrdersTheNextShow_data()
 {
     QTest::addColumn<QStringList>("comparators");
     QTest::addColumn<QString>("expected");
-    // Groups have positions, which the name comparator ranks ascending; the
-    // chats comparator cannot tell groups apart, so they keep roster order.
-    // Non-integer counts and temporary contacts count as 0, and ties keep
-    // roster order.
-    QTest::newRow("name ascending lists A to Z")
-        << A({ "name" })
-        << QStringLiteral("Friends: Bob, Eve, Tim | Work: Adam, alice, Carol | -: Dave");
+    // What the comparators answer is the sorters' own tests' business; here
+    // only how show places entries by it: x before y when lessThan(y, x), the
+    // groups the chats comparator cannot tell apart and the ties (non-integer
+    // counts and temporary contacts count as 0) in roster order.
     QTest::newRow("chats count ascending lists the most chats first")
         << A({ "chats_count" })
         << QStringLiteral("Work: Carol, Adam, alice | Friends: Eve, Bob, Tim | -: Dave");
-    QTest::newRow("chats count descending lists the fewest first")
-        << A({ "chats_count:desc" })
-        << QStringLiteral("Work: alice, Adam, Carol | Friends: Bob, Tim, Eve | -: Dave");
 }
 
 void tst_VeskRoster::storedMethodOrdersTheNextShow()
@@ -494,23 +482,6 @@ void tst_VeskRoster::storedMethodOrdersTheNextShow()
     const QJsonObject show = parse(run(A({ "--json", "show" })).out);
     QCOMPARE(show.value(QLatin1String("sorter")).toString() + QLatin1Char(' ') + shownRoster(show),
         QStringLiteral("m ") + expected);
-}
-
-void tst_VeskRoster::switchingFiltersSwitchesMethods()
-{
-    useFixture(); // "work" is current
-    runAll({ A({ "sorter", "chats", "chats_count" }), A({ "sort", "byname" }),
-        A({ "use", "default" }), A({ "sort", "chats" }) });
-    QStringList seen;
-    for (const char *filter : { "default", "work", "default" }) {
-        runAll({ A({ "use", filter }) });
-        const QJsonObject show = parse(run(A({ "--json", "show" })).out);
-        seen.append(show.value(QLatin1String("sorter")).toString() + QLatin1String(": ")
-            + shownRoster(show));
-    }
-    const QString byChats
-        = QStringLiteral("chats: Work: Carol, Adam, alice | Friends: Eve, Bob, Tim | -: Dave");
-    QCOMPARE(seen, QStringList({ byChats, QStringLiteral("byname: Work: alice, Carol"), byChats }));
 }
 
 void tst_VeskRoster::exportThenImportReproducesAFilter()
@@ -889,9 +860,9 @@ void tst_VeskRoster::hostileTextStaysInert()
 
     // JSON keeps every text exactly, escaped as JSON escapes.
     RUN_OK(json, roster + A({ "--json", "show" }));
-    const QJsonObject group = parse(json.out)[QLatin1String("groups")][0].toObject();
+    const QJsonObject group = parse(json.out).value(QLatin1String("groups"))[0].toObject();
     QCOMPARE(group[QLatin1String("name")].toString(), QStringLiteral("G\x07r\rp"));
-    QCOMPARE(group[QLatin1String("entries")][0][QLatin1String("display")].toString(),
+    QCOMPARE(group.value(QLatin1String("entries"))[0][QLatin1String("display")].toString(),
         QStringLiteral("\x1b]0;pwned\x07"
                        "Evil\x1b[2J"));
     RUN_OK(filters, A({ "filters" }));
