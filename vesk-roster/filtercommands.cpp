@@ -198,7 +198,13 @@ QByteArray readDefinition(const QString &path)
             refuse(vtr("cannot read the definition file \"%1\": %2").arg(path, file.errorString()));
         }
     }
-    const QByteArray document = file.read(maximumDefinitionSize + 1);
+    QByteArray document;
+    while (document.size() <= maximumDefinitionSize) {
+        const QByteArray chunk = file.read(maximumDefinitionSize + 1 - document.size());
+        if (chunk.isEmpty())
+            break;
+        document += chunk;
+    }
     if (document.size() > maximumDefinitionSize) {
         refuse(vtr("the definition is larger than %1 bytes; no filter that can be stored is "
                    "that large")
