@@ -66,6 +66,8 @@ private Q_SLOTS:
     void sortingMethodFromTheEditorOrdersTheView();
     void refusalShowsAMessageAndStoresNothing_data();
     void refusalShowsAMessageAndStoresNothing();
+    void simulatedActivityKeepsTheViewInStep();
+    void veskRosterBesideTheWindowLosesNothing();
 
 private:
     template <typename Editor> Editor *openEditor(int shortcut);
@@ -272,6 +274,42 @@ void tst_RosterWindow::refusalShowsAMessageAndStoresNothing()
     QVERIFY(editor->isVisible());
     QCOMPARE(files(library->settingsDir()), before);
     key(Qt::Key_Escape);
+}
+
+void tst_RosterWindow::simulatedActivityKeepsTheViewInStep()
+{
+    choose(Qt::Key_F, QStringLiteral("online"));
+    QTRY_COMPARE(window->statusText(), QStringLiteral("34 of 42 entries shown"));
+    const QString before = shown(*window->proxy());
+    for (int step = 0; step < 30; ++step)
+        window->simulateStep();
+    QVERIFY(shown(*window->proxy()) != before);
+    QCOMPARE(shown(*window->proxy()), reference());
+}
+
+// vesk-roster stores a filter while the window is open; the window shows it,
+// and a change made in the window afterwards keeps it.
+void tst_RosterWindow::veskRosterBesideTheWindowLosesNothing()
+{
+    auto veskRoster = [this](const QStringList &args) {
+        QProcess process;
+        process.start(QStringLiteral(VESK_ROSTER_PROGRAM),
+            QStringList { QStringLiteral("--settings"), library->settingsDir() } + args);
+        process.waitForFinished();
+        return QString::fromUtf8(process.readAllStandardOutput());
+    };
+    veskRoster({ QStringLiteral("new"), QStringLiteral("workmates"), QStringLiteral("and"),
+        QStringLiteral("group"), QStringLiteral("is_or_not=is"),
+        QStringLiteral("group_filter_presence=Work") });
+    auto *chooser = window->findChild<QComboBox *>(QStringLiteral("filter"));
+    QTRY_VERIFY(chooser->findData(QStringLiteral("workmates")) >= 0);
+    choose(Qt::Key_F, QStringLiteral("online"));
+    const QString listed = veskRoster({ QStringLiteral("filters") });
+    QVERIFY2(listed.contains(QLatin1String("workmates")), qPrintable(listed));
+    QCOMPARE(library->session()->filters()->getCurrentFilterName(), QStringLiteral("online"));
+    QCOMPARE(library->session()->filters()->getFilterNames(),
+        QStringList(
+            { QStringLiteral("default"), QStringLiteral("online"), QStringLiteral("workmates") }));
 }
 
 QTEST_MAIN(tst_RosterWindow)
