@@ -3,7 +3,9 @@
 // against its target. Usage: vesk-bench-report BENCH.json RESULTS.md [SECONDS]
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -299,15 +301,17 @@ int main(int argc, char **argv)
                 leaf.take(report.counter(name, "library_per_leaf"), cell);
             }
         }
-        out << "| `filter` at most 1.15 × the fastest hand-written predicate, at every size and "
-               "selectivity | worst "
+        out << QString::fromUtf8(
+            "| `filter` at most 1.15 × the fastest hand-written predicate, at every "
+            "size and selectivity | worst ")
             << (fastest.known ? ratio(fastest.value) + QStringLiteral(" (") + fastest.where
                            + QLatin1Char(')')
                               : QStringLiteral("–"))
             << " | " << (fastest.known ? verdict(fastest.value <= 1.15) : QStringLiteral("–"))
             << " |\n";
-        out << "| `filter` at most 1.05 × the leaf-by-leaf predicate, at every size and "
-               "selectivity | worst "
+        out << QString::fromUtf8(
+            "| `filter` at most 1.05 × the leaf-by-leaf predicate, at every size "
+            "and selectivity | worst ")
             << (leaf.known
                        ? ratio(leaf.value) + QStringLiteral(" (") + leaf.where + QLatin1Char(')')
                        : QStringLiteral("–"))
@@ -333,14 +337,15 @@ int main(int argc, char **argv)
                 }
             }
         }
-        out << "| bulk sort at most 1.3 × the hand-written sort over collation keys (keys built on "
-               "both sides) at 100,000 and 1,000,000 | worst "
+        out << QString::fromUtf8(
+            "| bulk sort at most 1.3 × the hand-written sort over collation keys "
+            "(keys built on both sides) at 100,000 and 1,000,000 | worst ")
             << (keys.known
                        ? ratio(keys.value) + QStringLiteral(" (") + keys.where + QLatin1Char(')')
                        : QStringLiteral("–"))
             << " | " << (keys.known ? verdict(keys.value <= 1.3) : QStringLiteral("–")) << " |\n";
-        out << "| bulk sort at least 5 × faster than `std::stable_sort` with `lessThan` at 100,000 "
-               "| "
+        out << QString::fromUtf8("| bulk sort at least 5 × faster than `std::stable_sort` with "
+                                 "`lessThan` at 100,000 | ")
             << (knownFaster ? number(fewestTimesFaster, 1)
                            + QStringLiteral(" × faster (the slower method)")
                             : QStringLiteral("–"))
@@ -458,8 +463,8 @@ int main(int argc, char **argv)
             if (!report.has(name))
                 continue;
             out << "| " << grouped(contacts) << " | "
-                << groupedCell(report.counter(name, "entries")) << " | ≈" << selectivity << " | "
-                << groupedCell(report.counter(name, "passed")) << " | "
+                << groupedCell(report.counter(name, "entries")) << QString::fromUtf8(" | ≈")
+                << selectivity << " | " << groupedCell(report.counter(name, "passed")) << " | "
                 << report.cell(report.counter(name, "library_ns"), 1, name) << " | "
                 << report.cell(report.counter(name, "fastest_ns"), 1, name) << " | "
                 << report.cell(report.counter(name, "leaf_ns"), 1, name) << " | "
@@ -469,9 +474,10 @@ int main(int argc, char **argv)
                 << report.cell(report.counter(name, "fastest_allocs_per_call"), 2) << " |\n";
         }
     }
-    out << "\nAgainst a `QSortFilterProxyModel` (fixed-string filter plus a `filterAcceptsRow` "
-           "override) over a `QStandardItemModel`, timed until `rowCount()` is known, for the "
-           "≈3 % filter; the library's figure is the paired one above.\n\n";
+    out << QString::fromUtf8(
+        "\nAgainst a `QSortFilterProxyModel` (fixed-string filter plus a `filterAcceptsRow` "
+        "override) over a `QStandardItemModel`, timed until `rowCount()` is known, for the "
+        "≈3 % filter; the library's figure is the paired one above.\n\n");
     out << "| Contacts | Proxy | Library | Library / proxy |\n|---:|---:|---:|---:|\n";
     for (const int contacts : rosterSizes) {
         const QString proxy = QStringLiteral("Filter/Proxy/") + QString::number(contacts);
@@ -596,6 +602,14 @@ int main(int argc, char **argv)
                 << " | " << ratioCell(divide(ms, previous)) << " |\n";
             previous = ms;
         }
+    }
+
+    // What a run cannot measure by itself (figures before a change, whole
+    // program runs) is kept by hand in NOTES.md beside the results.
+    QFile notes(QFileInfo(args.at(2)).dir().filePath(QStringLiteral("NOTES.md")));
+    if (notes.open(QIODevice::ReadOnly)) {
+        out.flush();
+        text += QLatin1Char('\n') + QString::fromUtf8(notes.readAll());
     }
 
     QSaveFile output(args.at(2));

@@ -13,6 +13,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <numeric>
 #include <typeinfo>
@@ -140,6 +141,12 @@ namespace {
             }
         }
 
+        // The key of an entry, or null when names are compared as texts.
+        const QCollatorSortKey *key(int index) const
+        {
+            return byKeys ? &keys[std::size_t(index)] : nullptr;
+        }
+
         int compare(int a, int b) const
         {
             if (byKeys)
@@ -163,6 +170,87 @@ namespace {
             return 0;
         const VeskArg count = contact.getAttrib(attribute);
         return count.getType() == VeskArg::TypeInt ? count.toInt() : 0;
+    }
+
+    // Contacts and temporary contacts only, names (if any) last and compared by
+    // keys: then every comparator before the name is a rank, and the chain's
+    // answer for a pair is the first differing rank, else the keys. Records of
+    // ranks and key side by side sort with far fewer cache misses than indices
+    // into separate tables, and give the same order: every pair gets the same
+    // answer. Answers false when the list or the chain does not qualify.
+    constexpr int maxRanks = 4;
+    struct Record
+    {
+        qint64 ranks[maxRanks];
+        const QCollatorSortKey *key;
+        int index;
+    };
+
+    bool sortAsRecords(const std::vector<Rule> &rules, const std::vector<EntryKeys> &keys,
+        const NameOrder *names, QVector<int> &order)
+    {
+        int rankCount = 0;
+        bool nameAscending = true;
+        bool hasName = false;
+        for (std::size_t i = 0; i < rules.size(); ++i) {
+            const Rule &rule = rules[i];
+            if (rule.kind == Kind::Other || hasName)
+                return false;
+            if (rule.kind == Kind::Name) {
+                if (!names->key(0))
+                    return false;
+                hasName = true;
+                nameAscending = rule.ascending;
+            } else if (++rankCount > maxRanks) {
+                return false;
+            }
+        }
+        for (const EntryKeys &key : keys) {
+            if (!key.hasPresence)
+                return false;
+        }
+
+        std::vector<Record> records(keys.size());
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            const EntryKeys &key = keys[i];
+            Record &record = records[i];
+            int r = 0;
+            for (const Rule &rule : rules) {
+                // Ascending, a pair is answered true when the first entry's
+                // rank is the lower one.
+                qint64 rank = 0;
+                switch (rule.kind) {
+                case Kind::Presence:
+                    rank = (qint64(key.setApart ? 0 : 1) << 33)
+                        + (qint64(key.subscription) - std::numeric_limits<int>::min());
+                    break;
+                case Kind::PresencePriority:
+                    rank = key.presencePriority;
+                    break;
+                case Kind::ChatsCount:
+                    rank = key.chats;
+                    break;
+                default:
+                    continue;
+                }
+                record.ranks[r++] = rule.ascending ? rank : -rank;
+            }
+            record.key = hasName ? names->key(int(i)) : nullptr;
+            record.index = int(i);
+        }
+        std::stable_sort(records.begin(), records.end(), [&](const Record &a, const Record &b) {
+            for (int r = 0; r < rankCount; ++r) {
+                if (a.ranks[r] != b.ranks[r])
+                    return a.ranks[r] < b.ranks[r];
+            }
+            if (!hasName)
+                return false;
+            const int c = a.key->compare(*b.key);
+            return nameAscending ? c > 0 : c < 0;
+        });
+        for (std::size_t i = 0; i < records.size(); ++i)
+            order[int(i)] = records[i].index;
+        return true;
     }
 
 } // namespace
@@ -214,6 +302,8 @@ QVector<int> sortedOrder(const QVector<Step> &chain, const QVector<VeskBuddy> &e
     std::unique_ptr<NameOrder> names;
     if (needName)
         names = std::make_unique<NameOrder>(entries);
+    if (sortAsRecords(rules, keys, names.get(), order))
+        return order;
 
     // The comparators' values, each reduced to its sign, from the keys.
     auto value = [&](const Rule &rule, int a, int b) -> int {
