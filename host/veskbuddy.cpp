@@ -46,7 +46,13 @@ bool VeskBuddyContact::isValid() const
 VeskArg VeskBuddyContact::getAttrib(QString name) const
 {
     const VeskRosterEntry *contact = entryOfKind(entry, TypeContact);
-    return contact ? contact->attributes.value(name) : VeskArg();
+    if (contact) {
+        for (const auto &attribute : contact->attributes) {
+            if (attribute.first == name)
+                return attribute.second;
+        }
+    }
+    return VeskArg();
 }
 
 VeskBuddy VeskBuddyContact::getParent() const

@@ -12,6 +12,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 class VeskAccountConnection;
@@ -26,7 +27,9 @@ struct VeskRosterEntry
     VeskAccountConnection *account = nullptr;
     VeskPresence presence;
     VeskSubscriptionType subscription;
-    QHash<QString, VeskArg> attributes;
+    // A contact has a handful of attributes at most: a list searched in order
+    // costs a few bytes, where Qt 6 gives every QHash a span of 128 slots.
+    std::vector<std::pair<QString, VeskArg>> attributes;
     int pos = 0;
 };
 
