@@ -469,7 +469,8 @@ void importFilter(VeskCommandContext &context)
             replacement.appendFilter(child.release());
         replacement.setAdvancedMode(definition.advanced);
         replacement.setSorter(definition.sorter);
-        require(session.replaceStack(name, &replacement, &error), error);
+        if (!session.replaceStack(name, &replacement, &error))
+            refuse(vtr("%1; the filter \"%2\" stays as it was").arg(error, shownName(name)));
         context.out->print(
             vtr("replaced %1: %2\n").arg(shownName(name), display(session.stack(name))));
         return;

@@ -459,9 +459,15 @@ bool VeskLibrarySession::isEditable(const QString &id, QString *error) const
     return true;
 }
 
+void VeskLibrarySession::releaseLock()
+{
+    if (lock)
+        lock->unlock();
+}
+
 bool VeskLibrarySession::isWritable(QString *error) const
 {
-    if (access == ReadWrite && isOpen())
+    if (access == ReadWrite && isOpen() && lock && lock->isLocked())
         return true;
     *error = vtr("the settings directory %1 is open for reading only").arg(directory);
     return false;

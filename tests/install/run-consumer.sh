@@ -22,6 +22,18 @@ for file in "$libdir/libvesk_gui_roster_filter$suffix.so.0" "$libdir/libvesk_hos
     "$libdir/pkgconfig/vesk_gui_roster_filter$suffix.pc" "$qm"; do
     [ -e "$file" ] || { echo "run-consumer: $file was not installed" >&2; exit 1; }
 done
+# The proxy model's library, where this tree builds it.
+if [ -n "$(find "$build" -name "libvesk_gui_roster_models$suffix.so" -print -quit)" ]; then
+    for file in "$libdir/libvesk_gui_roster_models$suffix.so.0" \
+        "$libdir/pkgconfig/vesk_gui_roster_models$suffix.pc" \
+        "$prefix/include/vesk_gui_roster_models/veskrosterproxymodel.h"; do
+        [ -e "$file" ] || { echo "run-consumer: $file was not installed" >&2; exit 1; }
+    done
+    grep -q 'Vesk::RosterModels' "$(find "$prefix" -name VeskRosterFilterTargets.cmake)" || {
+        echo "run-consumer: the package lacks Vesk::RosterModels" >&2
+        exit 1
+    }
+fi
 soname=$(objdump -p "$libdir/libvesk_gui_roster_filter$suffix.so" | awk '$1 == "SONAME" { print $2 }')
 [ "$soname" = "libvesk_gui_roster_filter$suffix.so.0" ] || {
     echo "run-consumer: SONAME is \"$soname\"" >&2
