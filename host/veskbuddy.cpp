@@ -46,13 +46,7 @@ bool VeskBuddyContact::isValid() const
 VeskArg VeskBuddyContact::getAttrib(QString name) const
 {
     const VeskRosterEntry *contact = entryOfKind(entry, TypeContact);
-    if (contact) {
-        for (const auto &attribute : contact->attributes) {
-            if (attribute.first == name)
-                return attribute.second;
-        }
-    }
-    return VeskArg();
+    return contact ? contact->attributes.value(name) : VeskArg();
 }
 
 VeskBuddy VeskBuddyContact::getParent() const

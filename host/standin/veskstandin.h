@@ -36,8 +36,8 @@ VESK_STANDIN_EXPORT VeskAccountConnection *addAccount(
     const QString &uid, const QString &protocolName);
 
 // A contact's attributes by name, in the order of their first insertion;
-// inserting a name again replaces its value. A short list, not a QHash: Qt 6
-// gives every hash 128 slots, a few kilobytes per contact of a large roster.
+// inserting a name again replaces its value. A short list, as the stand-in
+// keeps them: a QHash would cost a few kilobytes per contact under Qt 6.
 class Attributes
 {
 public:
