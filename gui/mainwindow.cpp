@@ -17,6 +17,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialog>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenuBar>
@@ -154,6 +155,7 @@ VeskRosterWindow::VeskRosterWindow(VeskRosterLibrary *library, QWidget *parent)
     connect(sorterCombo, QOverload<int>::of(&QComboBox::activated), this,
         &VeskRosterWindow::chooseSorter);
     connect(rosterLibrary, &VeskRosterLibrary::reloaded, this, &VeskRosterWindow::refresh);
+    connect(rosterLibrary, &VeskRosterLibrary::lost, this, &VeskRosterWindow::giveUp);
 
     refresh();
     resize(900, 640);
@@ -161,6 +163,25 @@ VeskRosterWindow::VeskRosterWindow(VeskRosterLibrary *library, QWidget *parent)
 }
 
 VeskRosterWindow::~VeskRosterWindow() = default;
+
+void VeskRosterWindow::giveUp(const QString &error)
+{
+    simulation.stop();
+    simulateAction->setEnabled(false);
+    tree->setModel(nullptr);
+    // An open editor would ask the library for its next condition; it is not
+    // deleted, since this may run inside its own accept().
+    const QList<QDialog *> dialogs = findChildren<QDialog *>();
+    for (QDialog *dialog : dialogs) {
+        dialog->setEnabled(false);
+        dialog->hide();
+    }
+    setEnabled(false);
+    QMessageBox::critical(this, tr("Roster"),
+        tr("The settings directory can no longer be read, so the roster window closes: %1")
+            .arg(error));
+    QCoreApplication::exit(2);
+}
 
 QString VeskRosterWindow::statusText() const
 {

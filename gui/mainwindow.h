@@ -40,6 +40,11 @@ public Q_SLOTS:
     void simulateStep();
 
 private:
+    // The library is gone (see VeskRosterLibrary::lost): detach everything
+    // that would ask it, say why and quit. Nothing unstored is lost, since
+    // every change is stored when it is made.
+    void giveUp(const QString &error);
+
     void refresh();
     void fillChoosers();
     void chooseFilter(int index);

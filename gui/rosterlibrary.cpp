@@ -41,6 +41,7 @@ bool VeskRosterLibrary::change(const Edit &edit, QString *error)
     QString readError;
     if (!read(&readError)) {
         *error = readError;
+        Q_EMIT lost(readError);
         return false;
     }
     return done;
@@ -69,7 +70,8 @@ void VeskRosterLibrary::reloadIfChanged()
 {
     if (fingerprint() != known) {
         QString error;
-        read(&error);
+        if (!read(&error))
+            Q_EMIT lost(error);
     }
 }
 

@@ -47,6 +47,10 @@ public Q_SLOTS:
 Q_SIGNALS:
     // The managers were created anew: views must refresh before they paint.
     void reloaded();
+    // The directory could not be read again (its lock stayed taken, or it
+    // became unreadable): the managers are gone and session() is null, so
+    // views must let go of the library before the event loop runs again.
+    void lost(const QString &error);
 
 private:
     bool read(QString *error);
