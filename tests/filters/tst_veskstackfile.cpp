@@ -83,7 +83,9 @@ private slots:
     void writingTwiceReplacesAndReadingTwiceDoesNotDuplicate();
     void emptyStackKeepsItsConstructedTypeAfterARestart();
     void advancedModeIsOnOnlyForT();
-    void filesNotSpelledByTheLibraryAreNotListed();
+    void onlyTheLibrarysOwnSpellingOfANameFeedsAFilter_data();
+    void onlyTheLibrarysOwnSpellingOfANameFeedsAFilter();
+    void aHashedFileHoldingAnotherNameIsNoFilter();
     void deepestReadableTreeSurvivesAndADeeperOneKeepsTheOldFile();
     void savesLeaveNoTemporaryFileAndAnInterruptedOneIsNoFilterAndGoesWhenOld();
 
@@ -168,13 +170,43 @@ void tst_VeskStackFile::advancedModeIsOnOnlyForT()
     QCOMPARE(modes, QStringLiteral("tffff"));
 }
 
-void tst_VeskStackFile::filesNotSpelledByTheLibraryAreNotListed()
+void tst_VeskStackFile::onlyTheLibrarysOwnSpellingOfANameFeedsAFilter_data()
 {
-    // "%41" would decode to "A", which the library spells "A"; "50%off" and
-    // "x%u12" are no spelling of the library at all. A long name's hashed
-    // file holding another long name is no filter either.
-    for (const char *name : { "A", "%41", "50%off", "x%u12", "%2e" })
-        writeFile(env->filePath(QString::fromLatin1(name)), oneLeafFile());
+    QTest::addColumn<QStringList>("files"); // written in this order, holding online, away, dnd
+    QTest::addColumn<QString>("expected"); // the stacks listed and what feeds each
+    QTest::newRow("a plain name beside an escaped spelling of it") << QStringList(
+        { QStringLiteral("%41"), QStringLiteral("A") }) << QStringLiteral("A: (presence is Away)");
+    QTest::newRow("the escaped spelling alone") << QStringList(QStringLiteral("%41")) << QString();
+    QTest::newRow("an escape in lower-case hex beside the library's own")
+        << QStringList({ QStringLiteral("%2E"), QStringLiteral("%2e") })
+        << QStringLiteral(".: (presence is Online)");
+    QTest::newRow("a '%' that starts no escape")
+        << QStringList({ QStringLiteral("50%off"), QStringLiteral("x%u12") }) << QString();
+}
+
+void tst_VeskStackFile::onlyTheLibrarysOwnSpellingOfANameFeedsAFilter()
+{
+    QFETCH(QStringList, files);
+    const QStringList presences { QStringLiteral("online"), QStringLiteral("away"),
+        QStringLiteral("dnd") };
+    for (int i = 0; i < files.size(); ++i) {
+        VeskRosterFiltersStack stack(QString(), AND);
+        stack.appendFilter(presence(presences.at(i)));
+        stack.writeFilterSettings();
+        writeFile(env->filePath(files.at(i)), stack.getNode()->toByteArray());
+    }
+    VeskRosterFiltersManager *manager = env->restart();
+    QStringList listed;
+    const QStringList names = manager->getFilterNames();
+    for (const QString &name : names) {
+        if (VeskRosterFilter *stack = manager->getStackFilter(name))
+            listed << name + QLatin1String(": ") + stack->display();
+    }
+    QTEST(listed.join(QLatin1Char('\n')), "expected");
+}
+
+void tst_VeskStackFile::aHashedFileHoldingAnotherNameIsNoFilter()
+{
     const QString longName(300, QLatin1Char('x'));
     saveOneLeaf(longName);
     const QStringList files = entriesUnder(env->filtersDir());
@@ -186,7 +218,7 @@ void tst_VeskStackFile::filesNotSpelledByTheLibraryAreNotListed()
 
     QStringList names = env->restart()->getFilterNames();
     names.sort();
-    QCOMPARE(names, QStringList({ QStringLiteral("A"), QStringLiteral("default"), longName }));
+    QCOMPARE(names, QStringList({ QStringLiteral("default"), longName }));
 }
 
 void tst_VeskStackFile::deepestReadableTreeSurvivesAndADeeperOneKeepsTheOldFile()
