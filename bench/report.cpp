@@ -465,8 +465,8 @@ int main(int argc, char **argv)
         QTextStream(stderr) << "vesk-bench-report: cannot write " << args.at(2) << '\n';
         return 1;
     }
-    QTextStream console(stdout);
-    console.setCodec("UTF-8");
-    console << text;
+    QFile console;
+    console.open(stdout, QIODevice::WriteOnly);
+    console.write(text.toUtf8());
     return 0;
 }

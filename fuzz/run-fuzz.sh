@@ -8,7 +8,8 @@
 #                                     each target SECONDS (default 30) into a
 #                                     scratch corpus; what CTest runs
 #
-# VESK_FUZZ_BUILD_DIR picks the build directory (default build/fuzz).
+# VESK_FUZZ_BUILD_DIR picks the build directory (default build/fuzz),
+# VESK_QT_MAJOR_VERSION the Qt (default: as the top-level build decides).
 set -euo pipefail
 FUZZ_DIR=$(cd "$(dirname "$0")" && pwd)
 ROOT=$(dirname "$FUZZ_DIR")
@@ -28,7 +29,8 @@ if ! command -v clang++ >/dev/null; then
 fi
 
 CC=clang CXX=clang++ cmake -S "$ROOT" -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
-    -DCMAKE_CXX_FLAGS=-O1 -DVESK_SANITIZE=ON -DVESK_BUILD_FUZZ=ON -DBUILD_TESTING=OFF >/dev/null
+    -DCMAKE_CXX_FLAGS=-O1 -DVESK_SANITIZE=ON -DVESK_BUILD_FUZZ=ON -DBUILD_TESTING=OFF \
+    ${VESK_QT_MAJOR_VERSION:+-DVESK_QT_MAJOR_VERSION=$VESK_QT_MAJOR_VERSION} >/dev/null
 cmake --build "$BUILD" -j "${VESK_FUZZ_JOBS:-2}" --target "${TARGETS[@]}" >/dev/null
 
 export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1}

@@ -94,10 +94,10 @@ QByteArray VeskXmlNode::toByteArray() const
         return QByteArray();
     if (element == document.documentElement())
         return document.toByteArray(1);
-    QByteArray bytes;
-    QTextStream stream(&bytes);
-    stream.setCodec("UTF-8");
+    // Through a QString, whose stream needs no codec under either Qt.
+    QString text;
+    QTextStream stream(&text);
     element.save(stream, 1);
     stream.flush();
-    return bytes;
+    return text.toUtf8();
 }

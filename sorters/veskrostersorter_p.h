@@ -16,8 +16,8 @@ namespace VeskSorterDetail {
 inline int difference(int later, int earlier)
 {
     const qint64 value = qint64(later) - qint64(earlier);
-    return int(
-        qBound<qint64>(std::numeric_limits<int>::min(), value, std::numeric_limits<int>::max()));
+    return int(qBound(qint64(std::numeric_limits<int>::min()), value,
+                      qint64(std::numeric_limits<int>::max())));
 }
 
 // Only contacts and temporary contacts have a presence the comparators rank.

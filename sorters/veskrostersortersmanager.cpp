@@ -2,6 +2,7 @@
 
 #include "veskrostersorterbychatscount.h"
 #include "veskrostersorterbypresencepriority.h"
+#include "veskrostersortkeys_p.h"
 
 #include <veskfield.h>
 #include <veskrosterfilter.h>
@@ -249,4 +250,27 @@ bool VeskRosterSortersManager::standardSort(const VeskBuddy &a, const VeskBuddy 
     if (value != 0)
         return value > 0;
     return standardNameSorter.lessThan(a, b) > 0;
+}
+
+QVector<int> VeskRosterSortersManager::sortedOrder(const QVector<VeskBuddy> &entries) const
+{
+    QVector<VeskRosterSortKeys::Step> chain;
+    if (currentSorters.isEmpty()) {
+        // The built-in order reads both values as ascending, whatever the flags.
+        chain = { { &standardPresenceSorter, true }, { &standardNameSorter, true } };
+    } else {
+        for (const VeskRosterSorter *sorter : currentSorters)
+            chain.append({ sorter, sorter->isAscending() });
+    }
+    return VeskRosterSortKeys::sortedOrder(chain, entries);
+}
+
+void VeskRosterSortersManager::sort(QVector<VeskBuddy> &entries) const
+{
+    const QVector<int> order = sortedOrder(entries);
+    QVector<VeskBuddy> sorted;
+    sorted.reserve(entries.size());
+    for (const int index : order)
+        sorted.append(entries.at(index));
+    entries.swap(sorted);
 }

@@ -7,8 +7,9 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
-class VeskBuddy;
+#include <veskbuddy.h>
 
 // Keeps the user's sorting methods (named chains of comparators) in the
 // settings, builds the chain of the current method once, and answers the
@@ -53,6 +54,14 @@ public:
     bool lessThan(const VeskBuddy &a, const VeskBuddy &b) const;
     // Presence, then name, both read as ascending.
     bool standardSort(const VeskBuddy &a, const VeskBuddy &b) const;
+
+    // A whole list at once, in the order std::stable_sort with lessThan()
+    // gives it: every pair gets lessThan()'s answer, but each entry is read
+    // from the host once per call rather than twice per comparison, and names
+    // are collated through sort keys. Nothing read is kept after the call.
+    // sortedOrder() answers indices into `entries`; sort() reorders in place.
+    QVector<int> sortedOrder(const QVector<VeskBuddy> &entries) const;
+    void sort(QVector<VeskBuddy> &entries) const;
 
 private:
     Q_DISABLE_COPY(VeskRosterSortersManager)

@@ -45,6 +45,24 @@ VeskRosterView::Entry describe(const VeskBuddy &buddy)
     return entry;
 }
 
+// Stable, x before y exactly when lessThan(y, x): the sorters manager's bulk
+// order of the reversed list, read backwards, which reads each entry once
+// rather than on every comparison.
+void sortEntries(QVector<VeskRosterView::Entry> &entries, const VeskRosterSortersManager *sorters)
+{
+    QVector<VeskBuddy> reversed;
+    reversed.reserve(entries.size());
+    for (auto entry = entries.crbegin(); entry != entries.crend(); ++entry)
+        reversed.append(entry->buddy);
+    const QVector<int> order = sorters->sortedOrder(reversed);
+    QVector<VeskRosterView::Entry> sorted;
+    sorted.reserve(entries.size());
+    const int last = int(entries.size()) - 1;
+    for (auto index = order.crbegin(); index != order.crend(); ++index)
+        sorted.append(entries.at(last - *index));
+    entries.swap(sorted);
+}
+
 } // namespace
 
 VeskRosterView::VeskRosterView(const QList<VeskBuddy> &roster,
@@ -84,17 +102,14 @@ VeskRosterView::VeskRosterView(const QList<VeskBuddy> &roster,
     auto before = [sorters](const VeskBuddy &x, const VeskBuddy &y) {
         return sorters->lessThan(y, x);
     };
-    auto entryBefore = [&](const Entry &x, const Entry &y) {
-        return before(x.buddy, y.buddy);
-    };
     for (int i = 0; i < allGroups.size(); ++i) {
         if (members.at(i).isEmpty())
             continue;
         allGroups[i].entries = members.at(i);
-        std::stable_sort(allGroups[i].entries.begin(), allGroups[i].entries.end(), entryBefore);
+        sortEntries(allGroups[i].entries, sorters);
         groups.append(allGroups.at(i));
     }
     std::stable_sort(groups.begin(), groups.end(),
         [&](const Group &x, const Group &y) { return before(x.buddy, y.buddy); });
-    std::stable_sort(ungrouped.begin(), ungrouped.end(), entryBefore);
+    sortEntries(ungrouped, sorters);
 }

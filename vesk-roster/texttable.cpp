@@ -69,7 +69,7 @@ QString VeskTextTable::render(bool colour) const
         if (widths.size() < line.cells.size())
             widths.resize(line.cells.size());
         for (int i = 0; i < line.cells.size(); ++i)
-            widths[i] = std::max(widths[i], line.cells.at(i).text.size() + (i ? 0 : line.indent));
+            widths[i] = std::max(widths[i], int(line.cells.at(i).text.size()) + (i ? 0 : line.indent));
     }
 
     QString out;
