@@ -72,17 +72,32 @@ public:
     void setList(const QString &key, const QStringList &value);
     void remove(const QString &key);
 
+    // Off: changes stay in memory and the directory is never created, for a
+    // program that only reads while others may write.
+    void setPersistent(bool persistent);
+    // Whether a fresh read of the file gives the values in memory; *error
+    // names the file and why not.
+    bool isStored(QString *error) const;
+
 private:
     struct Value
     {
         bool isList = false;
         QString text;
         QStringList list;
+        bool operator==(const Value &other) const
+        {
+            return isList == other.isList && text == other.text && list == other.list;
+        }
     };
     void ensureOpen() const;
     void load();
-    void save() const;
+    void store(const QString &key, const Value &value);
+    void save();
+    bool readFile(QHash<QString, Value> *read, QString *error) const;
 
     QString settingsDir;
     QHash<QString, Value> values;
+    bool persistent = true;
+    QString saveError; // of the last save that failed, until one succeeds
 };

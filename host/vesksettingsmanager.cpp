@@ -48,7 +48,9 @@ void VeskSettingsStore::open(const QString &dir)
     settingsDir = QDir::cleanPath(QDir(dir).absolutePath());
     if (!settingsDir.endsWith(QLatin1Char('/')))
         settingsDir += QLatin1Char('/');
-    QDir().mkpath(settingsDir);
+    if (persistent)
+        QDir().mkpath(settingsDir);
+    saveError.clear();
     load();
 }
 
@@ -81,19 +83,25 @@ const quint32 storeMagic = 0x56534b53; // "VSKS"
 const quint32 storeVersion = 1;
 } // namespace
 
-void VeskSettingsStore::load()
+bool VeskSettingsStore::readFile(QHash<QString, Value> *read, QString *error) const
 {
-    values.clear();
+    read->clear();
     QFile file(filePath());
-    if (!file.open(QIODevice::ReadOnly))
-        return;
+    if (!file.exists())
+        return true;
+    if (!file.open(QIODevice::ReadOnly)) {
+        *error = file.errorString();
+        return false;
+    }
     QDataStream in(&file);
     in.setVersion(QDataStream::Qt_5_15);
     quint32 magic = 0;
     quint32 version = 0;
     in >> magic >> version;
-    if (magic != storeMagic || version != storeVersion)
-        return;
+    if (magic != storeMagic || version != storeVersion) {
+        *error = QStringLiteral("not a settings file of this format");
+        return false;
+    }
     QHash<QString, Value> loaded;
     while (!in.atEnd() && in.status() == QDataStream::Ok) {
         QString key;
@@ -102,15 +110,30 @@ void VeskSettingsStore::load()
         if (in.status() == QDataStream::Ok)
             loaded.insert(key, value);
     }
-    if (in.status() == QDataStream::Ok)
-        values = loaded;
+    if (in.status() != QDataStream::Ok) {
+        *error = QStringLiteral("the file is cut short");
+        return false;
+    }
+    *read = loaded;
+    return true;
 }
 
-void VeskSettingsStore::save() const
+void VeskSettingsStore::load()
 {
-    QSaveFile file(filePath());
-    if (!file.open(QIODevice::WriteOnly))
+    QString error;
+    if (!readFile(&values, &error))
+        values.clear();
+}
+
+void VeskSettingsStore::save()
+{
+    if (!persistent)
         return;
+    QSaveFile file(filePath());
+    if (!file.open(QIODevice::WriteOnly)) {
+        saveError = file.errorString();
+        return;
+    }
     QDataStream out(&file);
     out.setVersion(QDataStream::Qt_5_15);
     out << storeMagic << storeVersion;
@@ -121,7 +144,29 @@ void VeskSettingsStore::save() const
         const Value &value = values[key];
         out << key << value.isList << value.text << value.list;
     }
-    file.commit();
+    if (file.commit())
+        saveError.clear();
+    else
+        saveError = file.errorString();
+}
+
+void VeskSettingsStore::setPersistent(bool on)
+{
+    persistent = on;
+}
+
+bool VeskSettingsStore::isStored(QString *error) const
+{
+    ensureOpen();
+    QHash<QString, Value> onDisk;
+    QString readError;
+    if (readFile(&onDisk, &readError) && onDisk == values)
+        return true;
+    const QString reason = !saveError.isEmpty() ? saveError
+        : !readError.isEmpty()                  ? readError
+                                                : QStringLiteral("it holds other values");
+    *error = QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(filePath()), reason);
+    return false;
 }
 
 bool VeskSettingsStore::contains(const QString &key) const
@@ -145,23 +190,31 @@ QStringList VeskSettingsStore::list(const QString &key) const
     return values.value(key).list;
 }
 
-void VeskSettingsStore::setText(const QString &key, const QString &text)
+void VeskSettingsStore::store(const QString &key, const Value &value)
 {
     ensureOpen();
-    Value value;
-    value.text = text;
+    // Writing what is already there changes nothing, and does not touch the
+    // file: a program that only reads leaves the directory as it found it.
+    const auto it = values.constFind(key);
+    if (it != values.cend() && *it == value)
+        return;
     values.insert(key, value);
     save();
 }
 
+void VeskSettingsStore::setText(const QString &key, const QString &text)
+{
+    Value value;
+    value.text = text;
+    store(key, value);
+}
+
 void VeskSettingsStore::setList(const QString &key, const QStringList &list)
 {
-    ensureOpen();
     Value value;
     value.isList = true;
     value.list = list;
-    values.insert(key, value);
-    save();
+    store(key, value);
 }
 
 void VeskSettingsStore::remove(const QString &key)

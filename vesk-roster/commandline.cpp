@@ -7,13 +7,6 @@
 
 namespace {
 
-QString defaultSettingsDir()
-{
-    const QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
-    const QString base = config.isEmpty() ? QDir::homePath() + QLatin1String("/.config") : config;
-    return base + QLatin1String("/vesk-roster/");
-}
-
 // "--name VALUE" or "--name=VALUE".
 bool takeValue(const QStringList &arguments, int *i, const QString &name, QString *value)
 {
@@ -33,10 +26,23 @@ bool takeValue(const QStringList &arguments, int *i, const QString &name, QStrin
 
 } // namespace
 
+QString VeskCommandLine::defaultSettingsDir()
+{
+    // A relative XDG_CONFIG_HOME is ignored, as the base directory rules
+    // say; without HOME there is no place a user would look for settings.
+    const QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
+    if (!config.isEmpty() && QDir::isAbsolutePath(config))
+        return config + QLatin1String("/vesk-roster");
+    const QString home = qEnvironmentVariable("HOME");
+    if (!home.isEmpty() && QDir::isAbsolutePath(home))
+        return home + QLatin1String("/.config/vesk-roster");
+    refuse(vtr("there is no settings directory: neither XDG_CONFIG_HOME nor HOME is set to an "
+               "absolute path; give one with --settings DIR"));
+}
+
 VeskCommandLine VeskCommandLine::parse(const QStringList &arguments)
 {
     VeskCommandLine line;
-    line.settingsDir = defaultSettingsDir();
     int i = 0;
     for (; i < arguments.size(); ++i) {
         const QString &arg = arguments.at(i);

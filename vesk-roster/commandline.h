@@ -11,7 +11,11 @@ public:
     // Refuses an unknown option or an option without its value.
     static VeskCommandLine parse(const QStringList &arguments);
 
-    QString settingsDir;
+    // $XDG_CONFIG_HOME/vesk-roster or ~/.config/vesk-roster; refuses when
+    // neither can be known.
+    static QString defaultSettingsDir();
+
+    QString settingsDir; // empty: the default
     QString rosterFile; // empty: the bundled sample roster
     bool json = false;
     bool help = false;

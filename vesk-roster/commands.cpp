@@ -1,8 +1,12 @@
 #include "commands.h"
 
 #include "commands_p.h"
+#include "inerttext.h"
+#include "librarysession.h"
 #include "refusal.h"
 #include "text_p.h"
+
+#include <veskrostersortersmanager.h>
 
 #include <algorithm>
 
@@ -19,6 +23,36 @@ void VeskCommandContext::expectArgs(int min, int max) const
     }
 }
 
+QString typedFilterName(const VeskLibrarySession &session, const QString &typed)
+{
+    QString name;
+    if (!session.isRegistered(typed) && VeskInertText::unescapeName(typed, &name)
+        && session.isRegistered(name))
+        return name;
+    return typed;
+}
+
+QString typedMethodName(const VeskRosterSortersManager *sorters, const QString &typed)
+{
+    const QStringList methods = sorters->getSorters();
+    QString name;
+    if (!methods.contains(typed) && VeskInertText::unescapeName(typed, &name)
+        && methods.contains(name))
+        return name;
+    return typed;
+}
+
+QString shownName(const QString &name)
+{
+    return VeskInertText::escapedName(name);
+}
+
+void require(bool stored, const QString &error)
+{
+    if (!stored)
+        refuse(error);
+}
+
 namespace VeskCommands {
 
 const QVector<VeskCommand> &all()
@@ -32,18 +66,18 @@ const QVector<VeskCommand> &all()
                 "before y exactly when the method's lessThan(y, x) holds, and entries it does\n"
                 "not tell apart keep roster order. With --json, prints one document:\n"
                 "{\"filter\", \"sorter\", \"groups\": [{\"name\", \"entries\"}], \"ungrouped\"}."),
-            true, show },
+            VeskCommand::Reads, show },
         { "filters", "filters", QT_TRANSLATE_NOOP("vesk-roster", "the filters in display order"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Lists every filter in display order: its identifier, whether it is current\n"
                 "(*), its type (and, or, default), its sorting method, its advanced flag and\n"
                 "its display text. With --json: {\"current\", \"filters\": [...]}."),
-            true, filters },
+            VeskCommand::Reads, filters },
         { "use", "use ID", QT_TRANSLATE_NOOP("vesk-roster", "make a filter current"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Makes the filter ID current (\"default\" shows every entry). Its sorting\n"
                 "method becomes current with it."),
-            true, use },
+            VeskCommand::Writes, use },
         { "new", "new NAME and|or CONDITION...",
             QT_TRANSLATE_NOOP("vesk-roster", "create a filter from conditions"),
             QT_TRANSLATE_NOOP("vesk-roster",
@@ -54,7 +88,7 @@ const QVector<VeskCommand> &all()
                 "                                     group is_or_not=is "
                 "group_filter_presence=Friends\n"
                 "See \"vesk-roster kinds\" for the kinds, their fields and values."),
-            true, newFilter },
+            VeskCommand::Writes, newFilter },
         { "add", "add NAME[/I...] CONDITION | add NAME[/I...] stack_filter and|or CONDITION...",
             QT_TRANSLATE_NOOP("vesk-roster", "append a condition or a nested stack"),
             QT_TRANSLATE_NOOP("vesk-roster",
@@ -62,45 +96,46 @@ const QVector<VeskCommand> &all()
                 "0-based child indexes I (NAME/1 is the filter's second child, NAME/1/0 that\n"
                 "stack's first). With \"stack_filter and|or CONDITION...\" it appends a nested\n"
                 "stack with those children instead. The filter is stored."),
-            true, add },
+            VeskCommand::Writes, add },
         { "drop", "drop NAME/I[/I...]", QT_TRANSLATE_NOOP("vesk-roster", "remove a child"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Removes the child at the path and stores the filter. A stack's last child\n"
                 "cannot be dropped: a stack stored without children does not read back as it\n"
                 "was; remove the filter (or drop the nested stack) instead."),
-            true, drop },
+            VeskCommand::Writes, drop },
         { "remove", "remove ID", QT_TRANSLATE_NOOP("vesk-roster", "delete a filter"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Deletes the filter ID and its file. When it was current, the default filter\n"
                 "shows the roster for the rest of the run, and is current from the next run on."),
-            true, remove },
+            VeskCommand::Writes, remove },
         { "rename", "rename OLD NEW", QT_TRANSLATE_NOOP("vesk-roster", "rename a filter"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Renames the filter OLD to NEW; it keeps its place, its content and, when it is\n"
                 "current, stays current."),
-            true, rename },
+            VeskCommand::Writes, rename },
         { "up", "up ID", QT_TRANSLATE_NOOP("vesk-roster", "move a filter up"),
             QT_TRANSLATE_NOOP("vesk-roster",
-                "Moves the filter one place up in the display order. Nothing moves into the\n"
-                "first place: the second filter stays where it is."),
-            true, up },
+                "Moves the filter one place up in the display order. The default filter is\n"
+                "always first: it does not move, and nothing moves above it."),
+            VeskCommand::Writes, up },
         { "down", "down ID", QT_TRANSLATE_NOOP("vesk-roster", "move a filter down"),
             QT_TRANSLATE_NOOP("vesk-roster",
-                "Moves the filter one place down in the display order; the last stays last."),
-            true, down },
+                "Moves the filter one place down in the display order. The default filter\n"
+                "does not move, and the last filter cannot move further down."),
+            VeskCommand::Writes, down },
         { "advanced", "advanced NAME on|off",
             QT_TRANSLATE_NOOP("vesk-roster", "set a filter's advanced flag"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Sets the advanced-mode flag that a filter editor keeps with the filter; it does\n"
                 "not change what the filter shows."),
-            true, advanced },
+            VeskCommand::Writes, advanced },
         { "export", "export NAME", QT_TRANSLATE_NOOP("vesk-roster", "print a filter as JSON"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Prints the filter's whole definition: {\"name\", \"type\", \"sorter\", "
                 "\"advanced\",\n"
                 "\"children\"}, where a condition is {\"kind\", \"fields\": {FIELD: VALUE}} and a\n"
                 "nested stack {\"kind\": \"stack_filter\", \"type\", \"children\"}."),
-            true, exportFilter },
+            VeskCommand::Reads, exportFilter },
         { "import", "import FILE|- [--as NAME] [--replace]",
             QT_TRANSLATE_NOOP("vesk-roster", "create a filter from JSON"),
             QT_TRANSLATE_NOOP("vesk-roster",
@@ -108,44 +143,46 @@ const QVector<VeskCommand> &all()
                 "input), under its \"name\" or NAME. --replace replaces a filter of that name in\n"
                 "its place. Copy a filter with:\n"
                 "  vesk-roster export A | vesk-roster import - --as B"),
-            true, importFilter },
+            VeskCommand::Writes, importFilter },
         { "kinds", "kinds",
             QT_TRANSLATE_NOOP("vesk-roster", "the condition kinds and their fields"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Lists each kind of condition with its name and its fields for the loaded\n"
                 "roster: field id, kind (combo box or line edit), the items a combo box offers\n"
                 "and the value a new condition starts with."),
-            true, kinds },
+            VeskCommand::Reads, kinds },
         { "sorters", "sorters", QT_TRANSLATE_NOOP("vesk-roster", "comparators and sorting methods"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Lists the comparator ids with their names, the stored sorting methods with\n"
                 "their comparators and directions, and the default method."),
-            true, sorters },
+            VeskCommand::Reads, sorters },
         { "sorter", "sorter NAME ID[:asc|:desc]...",
             QT_TRANSLATE_NOOP("vesk-roster", "store a sorting method"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Stores the sorting method NAME as a chain of comparators, each ascending unless\n"
                 "it ends in :desc. Ascending lists names A to Z and the most chats first:\n"
                 "  vesk-roster sorter busy-first chats_count name"),
-            true, sorter },
+            VeskCommand::Writes, sorter },
         { "sorter-remove", "sorter-remove NAME",
             QT_TRANSLATE_NOOP("vesk-roster", "delete a sorting method"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Deletes the sorting method NAME. Filters that name it keep the name and sort\n"
-                "by the built-in order (presence, then name)."),
-            true, sorterRemove },
-        { "sorter-default", "sorter-default NAME",
+                "by the built-in order (presence, then name); when it was the default method,\n"
+                "there is no default method any more."),
+            VeskCommand::Writes, sorterRemove },
+        { "sorter-default", "sorter-default NAME|--none",
             QT_TRANSLATE_NOOP("vesk-roster", "choose the default sorting method"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Makes NAME the default method: the default filter's, and that of any filter\n"
-                "that names none when it becomes current."),
-            true, sorterDefault },
+                "that names none when it becomes current. --none returns to the built-in\n"
+                "order (presence, then name)."),
+            VeskCommand::Writes, sorterDefault },
         { "sort", "sort NAME",
             QT_TRANSLATE_NOOP("vesk-roster", "sort the current filter by a method"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Makes NAME the current sorting method and stores it with the current filter\n"
                 "(or as the default method while the default filter is current)."),
-            true, sort },
+            VeskCommand::Writes, sort },
         { "generate", "generate N [--seed S]",
             QT_TRANSLATE_NOOP("vesk-roster", "print a synthetic roster"),
             QT_TRANSLATE_NOOP("vesk-roster",
@@ -154,10 +191,10 @@ const QVector<VeskCommand> &all()
                 "and name lengths:\n"
                 "  vesk-roster generate 100000 --seed 7 > big.json\n"
                 "  vesk-roster --roster big.json show"),
-            false, generate },
+            VeskCommand::None, generate },
         { "help", "help [COMMAND]", QT_TRANSLATE_NOOP("vesk-roster", "this help, or a command's"),
             QT_TRANSLATE_NOOP("vesk-roster", "Prints the overview, or the help of one command."),
-            false, help },
+            VeskCommand::None, help },
     };
     return commands;
 }

@@ -25,11 +25,16 @@ struct VeskCommandContext
 
 struct VeskCommand
 {
+    // What a command does with the settings directory: nothing, read it
+    // (under a shared lock, storing nothing), or change it (under the
+    // exclusive lock, every change read back before it is reported).
+    enum Settings { None, Reads, Writes };
+
     const char *name;
     const char *synopsis;
     const char *summary;
     const char *details;
-    bool usesLibrary;
+    Settings settings;
     void (*run)(VeskCommandContext &context);
 };
 

@@ -2,7 +2,21 @@
 
 // The command handlers, one source per area: the roster and listings, filter
 // editing, sorting methods.
+#include <QString>
+
+class VeskLibrarySession;
+class VeskRosterSortersManager;
 struct VeskCommandContext;
+
+// The filter or method a typed name means: the name as typed when there is
+// one, otherwise the name its escapes spell, since listings show names that
+// cannot be typed in escaped form (lone\ud800x).
+QString typedFilterName(const VeskLibrarySession &session, const QString &typed);
+QString typedMethodName(const VeskRosterSortersManager *sorters, const QString &typed);
+// A name as a person reads and types it back.
+QString shownName(const QString &name);
+// Refuses unless the command's change was stored, with what could not be.
+void require(bool stored, const QString &error);
 
 namespace VeskCommands {
 void show(VeskCommandContext &context);

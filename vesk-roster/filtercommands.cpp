@@ -49,11 +49,36 @@ void checkNewName(const VeskLibrarySession &session, const QString &name, const 
 VeskRosterFiltersStack *addStack(
     VeskLibrarySession &session, const QString &name, VeskRosterFilter::RosterFilterType type)
 {
-    VeskRosterFiltersStack *stack = session.filters()->addStackFilter(name, type);
+    QString error;
+    VeskRosterFiltersStack *stack = session.createStack(name, type, &error);
     if (!stack)
-        refuse(vtr("the library did not create the filter \"%1\"").arg(name));
-    session.adopt(stack);
+        refuse(error);
     return stack;
+}
+
+// The top-level stack to edit: refuses "default", unknown names and filters
+// whose file could not be read.
+VeskRosterFiltersStack *editableStack(const VeskLibrarySession &session, const QString &id)
+{
+    if (id == defaultId) {
+        refuse(vtr("the default filter cannot be edited; create a filter of your own with "
+                   "\"new NAME and|or CONDITION...\""));
+    }
+    QString error;
+    if (!session.isEditable(id, &error)) {
+        if (session.stack(id)) {
+            refuse(vtr("%1: remove it with \"remove %2\" or replace it with \"import FILE --as %2 "
+                       "--replace\"")
+                       .arg(error, shownName(id)));
+        }
+        refuse(error);
+    }
+    return session.stack(id);
+}
+
+QString display(VeskRosterFilter *filter)
+{
+    return filter->display();
 }
 
 std::vector<std::unique_ptr<VeskRosterFilter>> buildConditions(
@@ -151,9 +176,15 @@ VeskRosterFiltersStack *stackAt(VeskRosterFiltersStack *top, const ChildPath &pa
 
 void refuseUnknownFilter(const VeskLibrarySession &session, const QString &id)
 {
-    refuse(vtr("unknown filter \"%1\"; filters: %2")
-               .arg(id, quotedList(session.filters()->getFilterNames())));
+    QStringList names;
+    const QStringList ids = session.filters()->getFilterNames();
+    for (const QString &known : ids)
+        names.append(shownName(known));
+    refuse(vtr("unknown filter \"%1\"; filters: %2").arg(id, quotedList(names)));
 }
+
+// Definitions are small: a filter's file holds at most a mebibyte.
+const qint64 maximumDefinitionSize = 16 * 1024 * 1024;
 
 QByteArray readDefinition(const QString &path)
 {
@@ -167,7 +198,13 @@ QByteArray readDefinition(const QString &path)
             refuse(vtr("cannot read the definition file \"%1\": %2").arg(path, file.errorString()));
         }
     }
-    return file.readAll();
+    const QByteArray document = file.read(maximumDefinitionSize + 1);
+    if (document.size() > maximumDefinitionSize) {
+        refuse(vtr("the definition is larger than %1 bytes; no filter that can be stored is "
+                   "that large")
+                   .arg(maximumDefinitionSize));
+    }
+    return document;
 }
 
 } // namespace
@@ -177,10 +214,13 @@ namespace VeskCommands {
 void use(VeskCommandContext &context)
 {
     context.expectArgs(1, 1);
-    const QString id = context.args.at(0);
-    if (!context.session->isRegistered(id))
-        refuseUnknownFilter(*context.session, id);
-    context.session->filters()->setCurrentFilter(id);
+    VeskLibrarySession &session = *context.session;
+    const QString id = typedFilterName(session, context.args.at(0));
+    if (!session.isRegistered(id))
+        refuseUnknownFilter(session, id);
+    QString error;
+    require(session.setCurrentFilter(id, &error), error);
+    context.out->print(vtr("using %1\n").arg(shownName(id)));
 }
 
 void newFilter(VeskCommandContext &context)
@@ -201,17 +241,18 @@ void newFilter(VeskCommandContext &context)
     VeskRosterFiltersStack *stack = addStack(session, name, type);
     for (auto &child : children)
         stack->appendFilter(child.release());
-    stack->writeFilterSettings();
-    session.storeDisplayOrder(session.filters()->getFilterNames());
-    context.out->print(vtr("created %1: %2\n").arg(name, stack->display()));
+    QString error;
+    require(session.storeNewStack(stack, &error), error);
+    context.out->print(vtr("created %1: %2\n").arg(shownName(name), display(stack)));
 }
 
 void add(VeskCommandContext &context)
 {
     context.expectArgs(2);
     VeskLibrarySession &session = *context.session;
-    const ChildPath path = parsePath(context.args.at(0));
-    VeskRosterFiltersStack *top = session.editableStack(path.name);
+    ChildPath path = parsePath(context.args.at(0));
+    path.name = typedFilterName(session, path.name);
+    VeskRosterFiltersStack *top = editableStack(session, path.name);
     VeskRosterFiltersStack *target = stackAt(top, path, path.indexes.size());
     const VeskFilterBuilder builder = builderFor(context);
 
@@ -238,20 +279,22 @@ void add(VeskCommandContext &context)
         child = builder.leaf(conditions.first());
     }
     target->appendFilter(child.release());
-    top->writeFilterSettings();
-    context.out->print(vtr("%1 is now: %2\n").arg(top->id(), top->display()));
+    QString error;
+    require(session.storeStack(top, &error), error);
+    context.out->print(vtr("%1 is now: %2\n").arg(shownName(top->id()), display(top)));
 }
 
 void drop(VeskCommandContext &context)
 {
     context.expectArgs(1, 1);
     VeskLibrarySession &session = *context.session;
-    const ChildPath path = parsePath(context.args.at(0));
-    VeskRosterFiltersStack *top = session.editableStack(path.name);
+    ChildPath path = parsePath(context.args.at(0));
+    path.name = typedFilterName(session, path.name);
+    VeskRosterFiltersStack *top = editableStack(session, path.name);
     if (path.indexes.isEmpty()) {
         refuse(vtr("\"drop\" needs the path of a child, NAME/I (0-based); to delete the whole "
                    "filter use \"remove %1\"")
-                   .arg(path.name));
+                   .arg(shownName(path.name)));
     }
     VeskRosterFiltersStack *parent = stackAt(top, path, path.indexes.size() - 1);
     VeskRosterFilter *child = childAt(top, path, path.indexes.size());
@@ -259,78 +302,102 @@ void drop(VeskCommandContext &context)
         if (parent == top) {
             refuse(vtr("\"%1\" is the last child of %2: %3; to delete the filter, use \"remove "
                        "%2\"")
-                       .arg(path.text, path.name, emptyStackReason()));
+                       .arg(path.text, shownName(path.name), emptyStackReason()));
         }
         ChildPath parentPath = path;
         parentPath.indexes.removeLast();
-        QStringList parts(path.name);
+        QStringList parts(shownName(path.name));
         for (int index : qAsConst(parentPath.indexes))
             parts.append(QString::number(index));
         refuse(vtr("\"%1\" is the last child of its nested stack: %2; drop the nested stack "
                    "itself with \"drop %3\", or \"remove %4\" to delete the whole filter")
-                   .arg(path.text, emptyStackReason(), parts.join(QLatin1Char('/')), path.name));
+                   .arg(path.text, emptyStackReason(), parts.join(QLatin1Char('/')),
+                       shownName(path.name)));
     }
     parent->removeFilter(child);
     delete child;
-    top->writeFilterSettings();
-    context.out->print(vtr("%1 is now: %2\n").arg(top->id(), top->display()));
+    QString error;
+    require(session.storeStack(top, &error), error);
+    context.out->print(vtr("%1 is now: %2\n").arg(shownName(top->id()), display(top)));
 }
 
 void remove(VeskCommandContext &context)
 {
     context.expectArgs(1, 1);
     VeskLibrarySession &session = *context.session;
-    const QString id = context.args.at(0);
-    VeskRosterFiltersStack *stack = session.editableStack(id);
-    session.filters()->removeStackFilter(id);
-    session.release(stack);
-    delete stack;
-    session.storeDisplayOrder(session.filters()->getFilterNames());
+    const QString id = typedFilterName(session, context.args.at(0));
+    if (id == defaultId) {
+        refuse(vtr("the default filter cannot be edited; create a filter of your own with "
+                   "\"new NAME and|or CONDITION...\""));
+    }
+    if (!session.stack(id))
+        refuseUnknownFilter(session, id);
+    QString error;
+    require(session.removeStack(id, &error), error);
+    context.out->print(vtr("removed %1\n").arg(shownName(id)));
 }
 
 void rename(VeskCommandContext &context)
 {
     context.expectArgs(2, 2);
     VeskLibrarySession &session = *context.session;
-    const QString oldId = context.args.at(0);
+    const QString oldId = typedFilterName(session, context.args.at(0));
     const QString newId = context.args.at(1);
-    VeskRosterFiltersStack *stack = session.editableStack(oldId);
+    if (oldId == defaultId) {
+        refuse(vtr("the default filter cannot be edited; create a filter of your own with "
+                   "\"new NAME and|or CONDITION...\""));
+    }
+    if (!session.stack(oldId))
+        refuseUnknownFilter(session, oldId);
     checkNewName(session, newId, vtr("choose another name"));
-
-    // The library moves the stack's file with it (the filter is not re-written)
-    // and stores the display order with the new name in the old one's place.
-    session.filters()->rename(oldId, newId);
-    if (session.filters()->getStackFilter(newId) != stack)
-        refuse(vtr("the library did not rename \"%1\" to \"%2\"").arg(oldId, newId));
+    QString error;
+    require(session.renameStack(oldId, newId, &error), error);
+    context.out->print(vtr("renamed %1 to %2\n").arg(shownName(oldId), shownName(newId)));
 }
+
+namespace {
+    void move(VeskCommandContext &context, bool up)
+    {
+        context.expectArgs(1, 1);
+        VeskLibrarySession &session = *context.session;
+        const QString id = typedFilterName(session, context.args.at(0));
+        if (!session.isRegistered(id))
+            refuseUnknownFilter(session, id);
+        QString error;
+        require(up ? session.moveUp(id, &error) : session.moveDown(id, &error), error);
+        QStringList order;
+        const QStringList ids = session.filters()->getFilterNames();
+        for (const QString &known : ids)
+            order.append(shownName(known));
+        context.out->print(
+            vtr("moved %1 %2: %3\n")
+                .arg(shownName(id), up ? vtr("up") : vtr("down"), order.join(QLatin1String(", "))));
+    }
+} // namespace
 
 void up(VeskCommandContext &context)
 {
-    context.expectArgs(1, 1);
-    const QString id = context.args.at(0);
-    if (!context.session->isRegistered(id))
-        refuseUnknownFilter(*context.session, id);
-    context.session->filters()->upFilter(id);
+    move(context, true);
 }
 
 void down(VeskCommandContext &context)
 {
-    context.expectArgs(1, 1);
-    const QString id = context.args.at(0);
-    if (!context.session->isRegistered(id))
-        refuseUnknownFilter(*context.session, id);
-    context.session->filters()->downFilter(id);
+    move(context, false);
 }
 
 void advanced(VeskCommandContext &context)
 {
     context.expectArgs(2, 2);
-    VeskRosterFiltersStack *stack = context.session->editableStack(context.args.at(0));
+    VeskLibrarySession &session = *context.session;
+    VeskRosterFiltersStack *stack
+        = editableStack(session, typedFilterName(session, context.args.at(0)));
     const QString flag = context.args.at(1);
     if (flag != QLatin1String("on") && flag != QLatin1String("off"))
         refuse(vtr("the advanced flag is \"on\" or \"off\", not \"%1\"").arg(flag));
     stack->setAdvancedMode(flag == QLatin1String("on"));
-    stack->writeFilterSettings();
+    QString error;
+    require(session.storeStack(stack, &error), error);
+    context.out->print(vtr("%1: advanced %2\n").arg(shownName(stack->id()), flag));
 }
 
 void importFilter(VeskCommandContext &context)
@@ -368,12 +435,14 @@ void importFilter(VeskCommandContext &context)
     VeskFilterDefinition definition = VeskFilterDefinition::read(document, builderFor(context));
     if (!hasAs && !definition.hasName)
         refuse(vtr("the definition has no \"name\"; give one with --as NAME"));
-    const QString name = hasAs ? as : definition.name;
+    QString name = hasAs ? as : definition.name;
+    if (replace)
+        name = typedFilterName(session, name);
     if (name == defaultId)
         refuse(
             vtr("the default filter cannot be edited; import under another name with --as NAME"));
-    VeskRosterFiltersStack *existing = replace ? session.filters()->getStackFilter(name) : nullptr;
-    if (!existing) {
+    const bool replacing = replace && session.stack(name);
+    if (!replacing) {
         checkNewName(
             session, name, vtr("choose another name with --as NAME, or replace it with --replace"));
     }
@@ -385,33 +454,27 @@ void importFilter(VeskCommandContext &context)
                               .arg(definition.sorter));
     }
 
-    const bool replacing = existing != nullptr;
-    QStringList order = session.filters()->getFilterNames();
-    bool wasCurrent = false;
+    QString error;
     if (replacing) {
-        // A stack's type is fixed when it is built, so the old stack goes and
-        // a new one takes its place in the display order.
-        wasCurrent = session.filters()->getCurrentFilter() == existing;
-        session.filters()->removeStackFilter(name);
-        session.release(existing);
-        delete existing;
+        // The old filter keeps its place, its file and its content until the
+        // new one is stored and read back.
+        VeskRosterFiltersStack replacement(QString(), definition.type);
+        for (auto &child : definition.children)
+            replacement.appendFilter(child.release());
+        replacement.setAdvancedMode(definition.advanced);
+        replacement.setSorter(definition.sorter);
+        require(session.replaceStack(name, &replacement, &error), error);
+        context.out->print(
+            vtr("replaced %1: %2\n").arg(shownName(name), display(session.stack(name))));
+        return;
     }
     VeskRosterFiltersStack *stack = addStack(session, name, definition.type);
     for (auto &child : definition.children)
         stack->appendFilter(child.release());
     stack->setAdvancedMode(definition.advanced);
     stack->setSorter(definition.sorter);
-    if (wasCurrent) {
-        // Making it current gives a filter without a method the default
-        // method's name; the definition's own (empty) name is what is stored.
-        session.filters()->setCurrentFilter(name);
-        stack->setSorter(definition.sorter);
-    }
-    stack->writeFilterSettings();
-    if (!replacing)
-        order = session.filters()->getFilterNames();
-    session.storeDisplayOrder(order);
-    context.out->print(vtr("imported %1: %2\n").arg(name, stack->display()));
+    require(session.storeNewStack(stack, &error), error);
+    context.out->print(vtr("imported %1: %2\n").arg(shownName(name), display(stack)));
 }
 
 } // namespace VeskCommands

@@ -2,6 +2,7 @@
 
 #include "filterbuilder.h"
 #include "jsonwriter.h"
+#include "librarysession.h"
 #include "refusal.h"
 #include "text_p.h"
 
@@ -14,10 +15,6 @@
 #include <QSet>
 
 namespace {
-
-// Deeper definitions than this are refused rather than followed: nobody
-// builds them by hand, and recursion on input depth needs a bound.
-const int maximumDepth = 32;
 
 void writeChildren(VeskJsonWriter &json, VeskRosterFiltersStack *stack)
 {
@@ -122,8 +119,13 @@ public:
         if (!kind.isString())
             refuse(vtr("%1 of the definition needs a \"kind\"").arg(where));
         if (kind.toString() == QLatin1String("stack_filter")) {
-            if (depth >= maximumDepth)
-                refuse(vtr("the definition nests stacks deeper than %1 levels").arg(maximumDepth));
+            // The bound of every stored filter, checked before recursing
+            // further: a definition that could not be stored is not followed.
+            if (depth + 1 > VeskLibrarySession::maximumNesting()) {
+                refuse(vtr("the definition nests stacks deeper than %1 levels, the bound for a "
+                           "stored filter")
+                           .arg(VeskLibrarySession::maximumNesting()));
+            }
             checkKeys(object,
                 { QStringLiteral("kind"), QStringLiteral("type"), QStringLiteral("children") },
                 where);

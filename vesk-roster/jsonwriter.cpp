@@ -88,11 +88,31 @@ void VeskJsonWriter::null()
 
 void VeskJsonWriter::appendString(const QString &text)
 {
+    // Control characters, bidirectional controls, the line and paragraph
+    // separators and unpaired surrogates are written as \u escapes, so the
+    // document holds no byte a terminal obeys and loses no code unit.
     static const char hex[] = "0123456789abcdef";
-    const QByteArray utf8 = text.toUtf8();
     out += '"';
-    for (const char c : utf8) {
-        switch (c) {
+    int plainFrom = 0;
+    auto flushPlain = [&](int upTo) {
+        if (upTo > plainFrom)
+            out += text.mid(plainFrom, upTo - plainFrom).toUtf8();
+    };
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        const ushort unit = c.unicode();
+        if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+            ++i;
+            continue;
+        }
+        const bool escape = unit < 0x20 || unit == '"' || unit == '\\'
+            || (unit >= 0x7f && unit <= 0x9f) || (unit >= 0x2028 && unit <= 0x202e)
+            || (unit >= 0x2066 && unit <= 0x2069) || c.isSurrogate();
+        if (!escape)
+            continue;
+        flushPlain(i);
+        plainFrom = i + 1;
+        switch (unit) {
         case '"':
             out += "\\\"";
             break;
@@ -109,15 +129,14 @@ void VeskJsonWriter::appendString(const QString &text)
             out += "\\t";
             break;
         default:
-            if (uchar(c) < 0x20) {
-                out += "\\u00";
-                out += hex[uchar(c) >> 4];
-                out += hex[uchar(c) & 0xF];
-            } else {
-                out += c;
-            }
+            out += "\\u";
+            out += hex[(unit >> 12) & 0xF];
+            out += hex[(unit >> 8) & 0xF];
+            out += hex[(unit >> 4) & 0xF];
+            out += hex[unit & 0xF];
         }
     }
+    flushPlain(text.size());
     out += '"';
 }
 

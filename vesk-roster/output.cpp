@@ -1,6 +1,10 @@
 #include "output.h"
 
+#include "inerttext.h"
 #include "text_p.h"
+#include "texttable.h"
+
+#include <QStringList>
 
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +17,14 @@ void write(FILE *stream, const QByteArray &bytes)
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
     std::fflush(stream);
 }
+
+QString escapedLines(const QString &text)
+{
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString &line : lines)
+        line = VeskInertText::escaped(line);
+    return lines.join(QLatin1Char('\n'));
+}
 } // namespace
 
 VeskOutput::VeskOutput()
@@ -23,22 +35,54 @@ VeskOutput::VeskOutput()
         && !(term && std::strcmp(term, "dumb") == 0);
 }
 
+void VeskOutput::out(const QByteArray &bytes) const
+{
+    if (held)
+        kept += bytes;
+    else
+        write(stdout, bytes);
+}
+
 void VeskOutput::print(const QString &text) const
 {
-    write(stdout, text.toUtf8());
+    out(escapedLines(text).toUtf8());
+}
+
+void VeskOutput::printTable(const VeskTextTable &table) const
+{
+    out(table.render(colour).toUtf8());
 }
 
 void VeskOutput::printBytes(const QByteArray &bytes) const
 {
-    write(stdout, bytes);
+    out(bytes);
 }
 
 void VeskOutput::warn(const QString &message) const
 {
-    write(stderr, vtr("vesk-roster: warning: %1\n").arg(message).toUtf8());
+    write(stderr, vtr("vesk-roster: warning: %1\n").arg(VeskInertText::escaped(message)).toUtf8());
 }
 
 void VeskOutput::error(const QString &message) const
 {
-    write(stderr, vtr("vesk-roster: %1\n").arg(message).toUtf8());
+    write(stderr, vtr("vesk-roster: %1\n").arg(VeskInertText::escaped(message)).toUtf8());
+}
+
+void VeskOutput::hold()
+{
+    held = true;
+}
+
+void VeskOutput::release()
+{
+    held = false;
+    if (!kept.isEmpty())
+        write(stdout, kept);
+    kept.clear();
+}
+
+void VeskOutput::discard()
+{
+    held = false;
+    kept.clear();
 }

@@ -6,7 +6,6 @@
 #include "output.h"
 #include "refusal.h"
 #include "rosterfile.h"
-#include "settingssnapshot.h"
 #include "text_p.h"
 
 #include <veskstandin.h>
@@ -41,11 +40,38 @@ QString commandNames()
     return names.join(QLatin1String(", "));
 }
 
+// Runs a command on an open session. A writing command's report is held
+// back until its changes are read back; a refusal puts back what this run
+// changed, and only that.
+void runWithSession(VeskCommandContext &context, VeskLibrarySession &session, VeskOutput &out)
+{
+    const bool writes = context.command->settings == VeskCommand::Writes;
+    context.session = &session;
+    if (writes)
+        out.hold();
+    try {
+        context.command->run(context);
+        QString error;
+        if (!session.commit(&error))
+            refuse(error);
+    } catch (const VeskRefusal &refusal) {
+        out.discard();
+        QString error;
+        const bool restored = session.rollback(&error);
+        session.close();
+        if (!restored)
+            refuse(vtr("%1; and %2").arg(refusal.message(), error));
+        throw;
+    }
+    session.close();
+    out.release();
+}
+
 } // namespace
 
 int VeskRosterProgram::run(const QStringList &arguments)
 {
-    const VeskOutput out;
+    VeskOutput out;
     try {
         const VeskCommandLine line = VeskCommandLine::parse(arguments);
         if (line.help && !line.hasCommand) {
@@ -67,21 +93,28 @@ int VeskRosterProgram::run(const QStringList &arguments)
         context.args = line.args;
         context.json = line.json;
         context.out = &out;
-        if (!command->usesLibrary) {
+        if (command->settings == VeskCommand::None) {
             command->run(context);
             return 0;
         }
 
+        const QString settingsDir
+            = line.settingsDir.isEmpty() ? VeskCommandLine::defaultSettingsDir() : line.settingsDir;
+        // The roster is loaded before the lock is taken: other runs wait only
+        // while this one works on the settings.
         loadRoster(line.rosterFile);
-        // Start-up writes settings before the command can tell whether it
-        // will be refused; the snapshot lets a refusal undo that too.
-        const VeskSettingsSnapshot snapshot = VeskSettingsSnapshot::take(line.settingsDir);
+        VeskLibrarySession session;
+        QString error;
+        if (!session.open(settingsDir,
+                command->settings == VeskCommand::Writes ? VeskLibrarySession::ReadWrite
+                                                         : VeskLibrarySession::ReadOnly,
+                &error)) {
+            VeskStandIn::resetRoster();
+            refuse(error);
+        }
         try {
-            VeskLibrarySession session(line.settingsDir);
-            context.session = &session;
-            command->run(context);
+            runWithSession(context, session, out);
         } catch (const VeskRefusal &) {
-            snapshot.restore();
             VeskStandIn::resetRoster();
             throw;
         }

@@ -3,6 +3,7 @@
 #include "commands.h"
 #include "commands_p.h"
 #include "librarysession.h"
+#include "output.h"
 #include "refusal.h"
 #include "text_p.h"
 
@@ -16,8 +17,11 @@ namespace {
 void checkMethod(const VeskRosterSortersManager *sorters, const QString &name)
 {
     if (!sorters->getSorters().contains(name)) {
-        refuse(vtr("unknown sorting method \"%1\"; methods: %2")
-                   .arg(name, quotedList(sorters->getSorters())));
+        QStringList names;
+        const QStringList methods = sorters->getSorters();
+        for (const QString &method : methods)
+            names.append(shownName(method));
+        refuse(vtr("unknown sorting method \"%1\"; methods: %2").arg(name, quotedList(names)));
     }
 }
 
@@ -28,7 +32,8 @@ namespace VeskCommands {
 void sorter(VeskCommandContext &context)
 {
     context.expectArgs(2);
-    VeskRosterSortersManager *sorters = context.session->sorters();
+    VeskLibrarySession &session = *context.session;
+    VeskRosterSortersManager *sorters = session.sorters();
     const QString name = context.args.at(0);
     if (name.isEmpty())
         refuse(vtr("a sorting method's name cannot be empty"));
@@ -50,40 +55,56 @@ void sorter(VeskCommandContext &context)
         ids.append(id);
         flags.append(direction == QLatin1String("asc") ? QStringLiteral("t") : QStringLiteral("f"));
     }
-    // A method is read with one direction per comparator; both are stored
-    // before anything makes it current.
-    sorters->addSorter(name, ids);
-    sorters->setSorterAscending(name, flags);
+    QString error;
+    require(session.storeSorter(name, ids, flags, &error), error);
+    context.out->print(vtr("stored sorting method %1: %2\n")
+                           .arg(shownName(name), context.args.mid(1).join(QLatin1String(", "))));
 }
 
 void sorterRemove(VeskCommandContext &context)
 {
     context.expectArgs(1, 1);
-    VeskRosterSortersManager *sorters = context.session->sorters();
-    checkMethod(sorters, context.args.at(0));
-    sorters->removeSorter(context.args.at(0));
+    VeskLibrarySession &session = *context.session;
+    const QString name = typedMethodName(session.sorters(), context.args.at(0));
+    checkMethod(session.sorters(), name);
+    const bool wasDefault = session.sorters()->getDefault() == name;
+    QString error;
+    require(session.removeSorter(name, &error), error);
+    context.out->print(wasDefault ? vtr("removed sorting method %1; it was the default, so the "
+                                        "built-in order (presence, then name) is the default now\n")
+                                        .arg(shownName(name))
+                                  : vtr("removed sorting method %1\n").arg(shownName(name)));
 }
 
 void sorterDefault(VeskCommandContext &context)
 {
     context.expectArgs(1, 1);
-    VeskRosterSortersManager *sorters = context.session->sorters();
-    checkMethod(sorters, context.args.at(0));
-    sorters->setDefault(context.args.at(0));
+    VeskLibrarySession &session = *context.session;
+    QString error;
+    if (context.args.at(0) == QLatin1String("--none")) {
+        require(session.setDefaultSorter(QString(), &error), error);
+        context.out->print(vtr("no default sorting method: the built-in order (presence, then "
+                               "name)\n"));
+        return;
+    }
+    const QString name = typedMethodName(session.sorters(), context.args.at(0));
+    checkMethod(session.sorters(), name);
+    require(session.setDefaultSorter(name, &error), error);
+    context.out->print(vtr("default sorting method: %1\n").arg(shownName(name)));
 }
 
 void sort(VeskCommandContext &context)
 {
     context.expectArgs(1, 1);
     VeskLibrarySession &session = *context.session;
-    const QString name = context.args.at(0);
+    const QString name = typedMethodName(session.sorters(), context.args.at(0));
     checkMethod(session.sorters(), name);
-    session.sorters()->setCurrentSorter(name);
-    // The method is kept by the current filter; a stack keeps it in its file,
-    // the default filter as the default method (the sorters manager stores that).
     const QString current = session.filters()->getCurrentFilterName();
-    if (VeskRosterFiltersStack *stack = session.filters()->getStackFilter(current))
-        stack->writeFilterSettings();
+    QString error;
+    if (session.stack(current) && !session.isEditable(current, &error))
+        refuse(error);
+    require(session.sortCurrentFilter(name, &error), error);
+    context.out->print(vtr("%1 is sorted by %2\n").arg(shownName(current), shownName(name)));
 }
 
 } // namespace VeskCommands

@@ -1,5 +1,7 @@
 #include "texttable.h"
 
+#include "inerttext.h"
+
 #include <algorithm>
 
 namespace {
@@ -37,22 +39,28 @@ QString styled(const QString &text, VeskTextTable::Style style, bool colour)
 
 void VeskTextTable::setHeader(const QStringList &titles)
 {
-    header = titles;
+    header.clear();
+    for (const QString &title : titles)
+        header.append(VeskInertText::escaped(title));
 }
 
 void VeskTextTable::addHeading(const QString &text, Style style)
 {
     Line line;
     line.heading = true;
-    line.cells.append(Cell(text, style));
+    line.cells.append(Cell(VeskInertText::escaped(text), style));
     lines.append(line);
 }
 
 void VeskTextTable::addRow(const QVector<Cell> &cells, int indent)
 {
+    // Cells hold roster data and names: escaped here, so that no table
+    // shows a control character, and measured in terminal columns.
     Line line;
     line.indent = indent;
     line.cells = cells;
+    for (Cell &cell : line.cells)
+        cell.text = VeskInertText::escaped(cell.text);
     lines.append(line);
 }
 
@@ -62,14 +70,15 @@ QString VeskTextTable::render(bool colour) const
     // with unindented ones.
     QVector<int> widths(header.size());
     for (int i = 0; i < header.size(); ++i)
-        widths[i] = header.at(i).size();
+        widths[i] = VeskInertText::cellWidth(header.at(i));
     for (const Line &line : lines) {
         if (line.heading)
             continue;
         if (widths.size() < line.cells.size())
             widths.resize(line.cells.size());
         for (int i = 0; i < line.cells.size(); ++i)
-            widths[i] = std::max(widths[i], int(line.cells.at(i).text.size()) + (i ? 0 : line.indent));
+            widths[i] = std::max(
+                widths[i], VeskInertText::cellWidth(line.cells.at(i).text) + (i ? 0 : line.indent));
     }
 
     QString out;
@@ -84,7 +93,7 @@ QString VeskTextTable::render(bool colour) const
                 pending = 0;
                 row += styled(cell.text, cell.style, colour);
             }
-            pending += width - cell.text.size() + 2;
+            pending += width - VeskInertText::cellWidth(cell.text) + 2;
         }
         out += row;
         out += QLatin1Char('\n');

@@ -13,14 +13,17 @@
 #include "text_p.h"
 #include "texttable.h"
 
-#include <veskstandin.h>
 #include <veskfield.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskrostersortersmanager.h>
+#include <veskstandin.h>
+
+#include <veskaccount.h>
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 
 namespace {
 
@@ -118,6 +121,61 @@ QString describeMethod(const VeskRosterSortersManager *sorters, const QString &n
     return parts.join(QLatin1String(", "));
 }
 
+// Start-up passes over a file it cannot read without a word; the listings
+// say which filter it was and what to do.
+void warnUnreadable(const VeskCommandContext &context)
+{
+    const QList<VeskLibrarySession::Unreadable> files = context.session->unreadableFilters();
+    for (const VeskLibrarySession::Unreadable &file : files) {
+        if (file.id.isEmpty()) {
+            context.out->warn(vtr("the file %1 is not read as a filter: %2; move it out of the "
+                                  "filter directory")
+                                  .arg(file.path, file.reason));
+        } else {
+            context.out->warn(vtr("the filter \"%1\" could not be read from %2: %3; remove it "
+                                  "with \"remove %1\" or replace it with \"import FILE --as %1 "
+                                  "--replace\"")
+                                  .arg(shownName(file.id), file.path, file.reason));
+        }
+    }
+}
+
+// The account and protocol filters offer their items in a per-process hash
+// order; shown in the order of the accounts instead, so that two runs list
+// them alike.
+void sortAccountItems(QStringList *ids, QStringList *labels)
+{
+    QStringList known;
+    const QList<VeskAccountConnection *> accounts
+        = VeskAccountManager::getInstance()->getAccounts();
+    for (const VeskAccountConnection *account : accounts) {
+        if (!account)
+            continue;
+        known.append(account->getUid() + QLatin1Char('@') + account->getProtocolName());
+        if (!known.contains(account->getProtocolName()))
+            known.append(account->getProtocolName());
+    }
+    QVector<int> order(ids->size());
+    std::iota(order.begin(), order.end(), 0);
+    auto rank = [&](int i) {
+        const int at = known.indexOf(ids->at(i));
+        return at < 0 ? known.size() : at;
+    };
+    std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
+        const int x = rank(a);
+        const int y = rank(b);
+        return x != y ? x < y : ids->at(a) < ids->at(b);
+    });
+    QStringList sortedIds;
+    QStringList sortedLabels;
+    for (int i : qAsConst(order)) {
+        sortedIds.append(ids->at(i));
+        sortedLabels.append(labels->value(i));
+    }
+    *ids = sortedIds;
+    *labels = sortedLabels;
+}
+
 } // namespace
 
 namespace VeskCommands {
@@ -125,6 +183,7 @@ namespace VeskCommands {
 void show(VeskCommandContext &context)
 {
     context.expectArgs(0, 0);
+    warnUnreadable(context);
     const VeskLibrarySession &session = *context.session;
     const VeskRosterView view(VeskStandIn::entries(), session.filters(), session.sorters());
     const QString filterId = session.filters()->getCurrentFilterName();
@@ -161,15 +220,14 @@ void show(VeskCommandContext &context)
         return;
     }
 
-    const bool colour = context.out->useColour();
     VeskTextTable title;
     title.addHeading(vtr("filter %1 · sorted by %2")
-                         .arg(filterId,
+                         .arg(shownName(filterId),
                              method.isEmpty() ? describeMethod(session.sorters(), method)
-                                              : vtr("%1 (%2)").arg(method,
+                                              : vtr("%1 (%2)").arg(shownName(method),
                                                   describeMethod(session.sorters(), method))),
         VeskTextTable::Dim);
-    QString text = title.render(colour) + QLatin1Char('\n');
+    title.addHeading(QString());
 
     VeskTextTable table;
     for (const VeskRosterView::Group &group : view.groups) {
@@ -182,17 +240,19 @@ void show(VeskCommandContext &context)
         for (const VeskRosterView::Entry &entry : view.ungrouped)
             table.addRow(entryRow(entry), 2);
     }
-    text += table.render(colour);
     VeskTextTable footer;
+    footer.addHeading(QString());
     footer.addHeading(vtr("%1 of %2 entries shown").arg(view.shownEntries).arg(view.rosterEntries),
         VeskTextTable::Dim);
-    text += QLatin1Char('\n') + footer.render(colour);
-    context.out->print(text);
+    context.out->printTable(title);
+    context.out->printTable(table);
+    context.out->printTable(footer);
 }
 
 void filters(VeskCommandContext &context)
 {
     context.expectArgs(0, 0);
+    warnUnreadable(context);
     const VeskLibrarySession &session = *context.session;
     const QString current = session.filters()->getCurrentFilterName();
     const QStringList ids = session.filters()->getFilterNames();
@@ -237,12 +297,13 @@ void filters(VeskCommandContext &context)
             continue;
         const bool isCurrent = id == current;
         table.addRow({ Cell(isCurrent ? QStringLiteral("*") : QString(), VeskTextTable::Green),
-            Cell(id, isCurrent ? VeskTextTable::Bold : VeskTextTable::Plain),
+            Cell(shownName(id), isCurrent ? VeskTextTable::Bold : VeskTextTable::Plain),
             Cell(VeskFilterBuilder::typeName(filter->getType())),
-            Cell(methodOf(session, id, filter)), Cell(isAdvanced(filter) ? vtr("yes") : vtr("no")),
+            Cell(shownName(methodOf(session, id, filter))),
+            Cell(isAdvanced(filter) ? vtr("yes") : vtr("no")),
             Cell(filter->display(), VeskTextTable::Dim) });
     }
-    context.out->print(table.render(context.out->useColour()));
+    context.out->printTable(table);
 }
 
 void kinds(VeskCommandContext &context)
@@ -283,8 +344,10 @@ void kinds(VeskCommandContext &context)
             if (combo) {
                 json.key("items");
                 json.beginArray();
-                const QStringList ids = field.getComboBoxIds();
-                const QStringList labels = field.getComboBoxLabels();
+                QStringList ids = field.getComboBoxIds();
+                QStringList labels = field.getComboBoxLabels();
+                if (kind == QLatin1String("account") || kind == QLatin1String("protocol"))
+                    sortAccountItems(&ids, &labels);
                 for (int i = 0; i < ids.size(); ++i) {
                     json.beginObject();
                     json.key("id");
@@ -320,7 +383,7 @@ void kinds(VeskCommandContext &context)
     if (context.json)
         context.out->printBytes(json.toJson());
     else
-        context.out->print(table.render(context.out->useColour()));
+        context.out->printTable(table);
 }
 
 void sorters(VeskCommandContext &context)
@@ -386,30 +449,42 @@ void sorters(VeskCommandContext &context)
     table.addHeading(QString());
     table.addHeading(defaultMethod.isEmpty()
             ? vtr("Methods (no default method: the built-in order)")
-            : vtr("Methods (default: %1)").arg(defaultMethod));
+            : vtr("Methods (default: %1)").arg(shownName(defaultMethod)));
     if (methods.isEmpty())
         table.addHeading(
             vtr("  (none; store one with \"sorter NAME ID[:asc|:desc]...\")"), VeskTextTable::Dim);
     for (const QString &method : methods) {
         table.addRow(
-            { Cell(method, VeskTextTable::Bold),
+            { Cell(shownName(method), VeskTextTable::Bold),
                 Cell(method == defaultMethod ? vtr("default") : QString(), VeskTextTable::Green),
                 Cell(describeMethod(sorters, method)) },
             2);
     }
-    context.out->print(table.render(context.out->useColour()));
+    context.out->printTable(table);
 }
 
 void exportFilter(VeskCommandContext &context)
 {
     context.expectArgs(1, 1);
     const VeskLibrarySession &session = *context.session;
-    const QString id = context.args.at(0);
+    const QString id = typedFilterName(session, context.args.at(0));
+    if (id == defaultId) {
+        refuse(vtr("the default filter lets every entry through and has no conditions to "
+                   "export"));
+    }
     VeskRosterFilter *filter = session.filter(id);
     if (!filter) {
-        refuse(vtr("unknown filter \"%1\"; filters: %2")
-                   .arg(id, quotedList(session.filters()->getFilterNames())));
+        QStringList names;
+        const QStringList ids = session.filters()->getFilterNames();
+        for (const QString &known : ids)
+            names.append(shownName(known));
+        refuse(vtr("unknown filter \"%1\"; filters: %2").arg(id, quotedList(names)));
     }
+    // What export prints must import again: not the little that was read
+    // of a file that could not be read.
+    QString error;
+    if (!session.isEditable(id, &error))
+        refuse(error);
     VeskJsonWriter json;
     VeskFilterDefinition::write(
         json, id, filter, methodOf(session, id, filter), isAdvanced(filter));

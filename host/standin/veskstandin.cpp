@@ -125,4 +125,14 @@ QString settingsFilePath()
     return VeskSettingsStore::self().filePath();
 }
 
+void setSettingsPersistent(bool persistent)
+{
+    VeskSettingsStore::self().setPersistent(persistent);
+}
+
+bool settingsStored(QString *error)
+{
+    return VeskSettingsStore::self().isStored(error);
+}
+
 } // namespace VeskStandIn

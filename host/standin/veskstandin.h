@@ -61,5 +61,12 @@ VESK_STANDIN_EXPORT void resetRoster();
 VESK_STANDIN_EXPORT void setSettingsDir(const QString &dir);
 // The file in which the store keeps its values.
 VESK_STANDIN_EXPORT QString settingsFilePath();
+// Off: the store keeps changes in memory only and never creates the
+// directory (a program that holds only a shared lock must not write). Takes
+// effect from the next setSettingsDir() on as well.
+VESK_STANDIN_EXPORT void setSettingsPersistent(bool persistent);
+// Whether a fresh read of the settings file gives back every value in
+// memory; otherwise *error names the file and the reason.
+VESK_STANDIN_EXPORT bool settingsStored(QString *error);
 
 } // namespace VeskStandIn
