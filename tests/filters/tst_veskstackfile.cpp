@@ -148,7 +148,7 @@ void tst_VeskStackFile::emptyStackKeepsItsConstructedTypeAfterARestart()
     empty->setSorter(QStringLiteral("by presence"));
     empty->writeFilterSettings();
     QCOMPARE(describe(env->restart()->getStackFilter(QStringLiteral("empty"))),
-        QStringLiteral("DEFAULT empty sort=by presence []"));
+        QStringLiteral("DEFAULT sort=\"by presence\" advanced=f ()"));
 }
 
 void tst_VeskStackFile::advancedModeIsOnOnlyForT_data()
