@@ -98,35 +98,29 @@ void tst_KindTranslations::leafTextsAreLookedUpUnderTheirKeys_data()
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("condition");
     QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("expected");
-    const QString textConditions
-        = QStringLiteral("[contains|nc],[does not contain|nc],[match exactly|nc]");
-    QTest::newRow("display") << QStringLiteral("display") << QStringLiteral("contains")
-                             << QStringLiteral("bob")
-                             << QStringLiteral("[display|filter name] / [display bob|roster "
-                                               "filter] / ")
-            + textConditions;
-    QTest::newRow("description")
-        << QStringLiteral("description") << QStringLiteral("is not empty") << QStringLiteral("x")
-        << QStringLiteral("[description|filter name] / [description x|roster filter] / ")
-            + textConditions + QStringLiteral(",[is not empty|nc]");
+    QTest::addColumn<QString>("expected"); // name / display / condition labels
+    const auto row = [](const char *kind, const char *condition, const char *value,
+                         const char *texts, const char *labels) {
+        QTest::newRow(kind) << QString::fromUtf8(kind) << QString::fromUtf8(condition)
+                            << QString::fromUtf8(value)
+                            << QString::fromUtf8(texts) + QLatin1String(" / ")
+                + QString::fromUtf8(labels);
+    };
+    const char *textLabels = "[contains|nc],[does not contain|nc],[match exactly|nc]";
+    const char *choiceLabels = "[is|nc],[is not|nc]";
+    row("display", "contains", "bob", "[display|filter name] / [display bob|roster filter]",
+        textLabels);
+    row("description", "is not empty", "x",
+        "[description|filter name] / [description x|roster filter]",
+        "[contains|nc],[does not contain|nc],[match exactly|nc],[is not empty|nc]");
     // The group's display text is the condition and the group's own name.
-    QTest::newRow("group") << QStringLiteral("group") << QStringLiteral("is not")
-                           << QStringLiteral("Friends")
-                           << QStringLiteral("[group|nc] / [is not|nc] Friends / [is|nc],[is "
-                                             "not|nc]");
-    QTest::newRow("account") << QStringLiteral("account") << QStringLiteral("is")
-                             << QStringLiteral("bob@icq")
-                             << QStringLiteral("[account|filter name] / [account [is|nc] "
-                                               "bob@icq|roster filter] / [is|nc],[is not|nc]");
-    QTest::newRow("protocol") << QStringLiteral("protocol") << QStringLiteral("is not")
-                              << QStringLiteral("icq")
-                              << QStringLiteral("[protocol|filter name] / [protocol [is not|nc] "
-                                                "icq|roster filter] / [is|nc],[is not|nc]");
-    QTest::newRow("presence") << QStringLiteral("presence") << QStringLiteral("is")
-                              << QStringLiteral("away")
-                              << QStringLiteral("[presence|filter name] / [presence [is|nc] "
-                                                "Away|roster filter] / [is|nc],[is not|nc]");
+    row("group", "is not", "Friends", "[group|nc] / [is not|nc] Friends", choiceLabels);
+    row("account", "is", "bob@icq",
+        "[account|filter name] / [account [is|nc] bob@icq|roster filter]", choiceLabels);
+    row("protocol", "is not", "icq",
+        "[protocol|filter name] / [protocol [is not|nc] icq|roster filter]", choiceLabels);
+    row("presence", "is", "away", "[presence|filter name] / [presence [is|nc] Away|roster filter]",
+        choiceLabels);
 }
 
 void tst_KindTranslations::leafTextsAreLookedUpUnderTheirKeys()
