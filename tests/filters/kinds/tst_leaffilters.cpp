@@ -69,6 +69,7 @@ void tst_LeafFilters::conditionPassesEntries_data()
     row("account", "is", "carol@", "bare", "account is carol@");
     row("account", "is", "alice@home", "", "account is alice@home");
     row("account", "is", "alice@home#jabber", "", "account is alice@home#jabber");
+    row("account", "is", "bob@icx", "", "account is bob@icx");
     row("account", "is", "Alice@home@jabber", "", "account is Alice@home@jabber");
     row("account", "is not", "bob@icq", "contact, group, invalid, no account, bare",
         "account is not bob@icq");
