@@ -8,6 +8,8 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include <cerrno>
+
 VeskSettingsManagerPrivate *VeskSettingsManagerPrivate::settingsMgrPrivInstance = nullptr;
 
 namespace {
@@ -129,20 +131,33 @@ void VeskSettingsStore::save()
 {
     if (!persistent)
         return;
+    QByteArray bytes;
+    {
+        QDataStream out(&bytes, QIODevice::WriteOnly);
+        out.setVersion(QDataStream::Qt_5_15);
+        out << storeMagic << storeVersion;
+        // Sorted keys: the same settings always give the same bytes.
+        QStringList keys = values.keys();
+        keys.sort();
+        for (const QString &key : qAsConst(keys)) {
+            const Value &value = values[key];
+            out << key << value.isList << value.text << value.list;
+        }
+    }
+    // Unbuffered, so that a short write (a full disk, a file size limit) is
+    // seen here and the old file stays, rather than being replaced by the
+    // part that was written.
     QSaveFile file(filePath());
-    if (!file.open(QIODevice::WriteOnly)) {
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         saveError = file.errorString();
         return;
     }
-    QDataStream out(&file);
-    out.setVersion(QDataStream::Qt_5_15);
-    out << storeMagic << storeVersion;
-    // Sorted keys: the same settings always give the same bytes.
-    QStringList keys = values.keys();
-    keys.sort();
-    for (const QString &key : qAsConst(keys)) {
-        const Value &value = values[key];
-        out << key << value.isList << value.text << value.list;
+    if (file.write(bytes) != bytes.size()) {
+        // A short write sets no error of the device's own; errno tells why.
+        saveError
+            = file.error() != QFileDevice::NoError ? file.errorString() : qt_error_string(errno);
+        file.cancelWriting();
+        return;
     }
     if (file.commit())
         saveError.clear();

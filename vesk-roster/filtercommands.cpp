@@ -198,7 +198,13 @@ QByteArray readDefinition(const QString &path)
             refuse(vtr("cannot read the definition file \"%1\": %2").arg(path, file.errorString()));
         }
     }
-    const QByteArray document = file.read(maximumDefinitionSize + 1);
+    QByteArray document;
+    while (document.size() <= maximumDefinitionSize) {
+        const QByteArray chunk = file.read(maximumDefinitionSize + 1 - document.size());
+        if (chunk.isEmpty())
+            break;
+        document += chunk;
+    }
     if (document.size() > maximumDefinitionSize) {
         refuse(vtr("the definition is larger than %1 bytes; no filter that can be stored is "
                    "that large")
@@ -463,7 +469,8 @@ void importFilter(VeskCommandContext &context)
             replacement.appendFilter(child.release());
         replacement.setAdvancedMode(definition.advanced);
         replacement.setSorter(definition.sorter);
-        require(session.replaceStack(name, &replacement, &error), error);
+        if (!session.replaceStack(name, &replacement, &error))
+            refuse(vtr("%1; the filter \"%2\" stays as it was").arg(error, shownName(name)));
         context.out->print(
             vtr("replaced %1: %2\n").arg(shownName(name), display(session.stack(name))));
         return;

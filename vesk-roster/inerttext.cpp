@@ -18,6 +18,17 @@ void appendHex(QString *out, char32_t value, int digits)
 
 QString escape(const QString &text, bool name)
 {
+    // Most text needs nothing: handed back shared, without a copy.
+    bool plain = true;
+    for (const QChar c : text) {
+        const char16_t unit = c.unicode();
+        if (needsEscape(unit) || (name && unit == '\\')) {
+            plain = false;
+            break;
+        }
+    }
+    if (plain)
+        return text;
     QString out;
     out.reserve(text.size());
     for (int i = 0; i < text.size(); ++i) {
@@ -208,6 +219,10 @@ int cellWidth(const QString &text)
     int width = 0;
     for (int i = 0; i < text.size(); ++i) {
         char32_t c = text.at(i).unicode();
+        if (c >= 0x20 && c < 0x7f) {
+            ++width;
+            continue;
+        }
         if (text.at(i).isHighSurrogate() && i + 1 < text.size()
             && text.at(i + 1).isLowSurrogate()) {
             c = QChar::surrogateToUcs4(text.at(i), text.at(i + 1));

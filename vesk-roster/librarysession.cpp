@@ -459,9 +459,15 @@ bool VeskLibrarySession::isEditable(const QString &id, QString *error) const
     return true;
 }
 
+void VeskLibrarySession::releaseLock()
+{
+    if (lock)
+        lock->unlock();
+}
+
 bool VeskLibrarySession::isWritable(QString *error) const
 {
-    if (access == ReadWrite && isOpen())
+    if (access == ReadWrite && isOpen() && lock && lock->isLocked())
         return true;
     *error = vtr("the settings directory %1 is open for reading only").arg(directory);
     return false;
@@ -475,8 +481,10 @@ QString VeskLibrarySession::filePath(const QString &id) const
 QString VeskLibrarySession::notStored(const QString &id) const
 {
     QString reason = writeProblem(VeskStackFile::directory());
+    if (reason.isEmpty() && !QFileInfo::exists(filePath(id)))
+        reason = vtr("it was not written (a full disk, or a limit on file sizes?)");
     if (reason.isEmpty())
-        reason = vtr("the file reads back as something else");
+        reason = vtr("it reads back as something else");
     return vtr("could not store the filter \"%1\" in %2: %3").arg(id, filePath(id), reason);
 }
 

@@ -45,6 +45,10 @@ public:
     bool isOpen() const { return filtersManager != nullptr; }
     // Frees the library's objects and releases the lock; stored changes stay.
     void close();
+    // Releases the lock and keeps the library's objects, for a program that
+    // goes on showing what it read (a window) while other runs change the
+    // directory. Writing operations refuse from then on.
+    void releaseLock();
 
     // Puts back every file this session changed and removes the directories
     // it created. The library's state in memory no longer matches the files

@@ -59,8 +59,10 @@ void VeskTextTable::addRow(const QVector<Cell> &cells, int indent)
     Line line;
     line.indent = indent;
     line.cells = cells;
-    for (Cell &cell : line.cells)
+    for (Cell &cell : line.cells) {
         cell.text = VeskInertText::escaped(cell.text);
+        cell.columns = VeskInertText::cellWidth(cell.text);
+    }
     lines.append(line);
 }
 
@@ -77,8 +79,7 @@ QString VeskTextTable::render(bool colour) const
         if (widths.size() < line.cells.size())
             widths.resize(line.cells.size());
         for (int i = 0; i < line.cells.size(); ++i)
-            widths[i] = std::max(
-                widths[i], VeskInertText::cellWidth(line.cells.at(i).text) + (i ? 0 : line.indent));
+            widths[i] = std::max(widths[i], line.cells.at(i).columns + (i ? 0 : line.indent));
     }
 
     QString out;
@@ -93,15 +94,17 @@ QString VeskTextTable::render(bool colour) const
                 pending = 0;
                 row += styled(cell.text, cell.style, colour);
             }
-            pending += width - VeskInertText::cellWidth(cell.text) + 2;
+            pending += width - cell.columns + 2;
         }
         out += row;
         out += QLatin1Char('\n');
     };
     if (!header.isEmpty()) {
         QVector<Cell> titles;
-        for (const QString &title : header)
+        for (const QString &title : header) {
             titles.append(Cell(title, Dim));
+            titles.last().columns = VeskInertText::cellWidth(title);
+        }
         emitRow(titles, 0);
     }
     for (const Line &line : lines) {

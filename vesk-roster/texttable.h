@@ -20,6 +20,7 @@ public:
         { }
         QString text;
         Style style;
+        int columns = 0; // the terminal columns of text, once added
     };
 
     void setHeader(const QStringList &titles);

@@ -503,7 +503,8 @@ void generate(VeskCommandContext &context)
             refuse(vtr("--seed needs a whole number from 0 to 4294967295, not \"%1\"")
                        .arg(args.value(seedAt + 1)));
         }
-        args.erase(args.begin() + seedAt, args.begin() + std::min<qsizetype>(seedAt + 2, args.size()));
+        args.erase(
+            args.begin() + seedAt, args.begin() + std::min<qsizetype>(seedAt + 2, args.size()));
     }
     context.args = args;
     context.expectArgs(1, 1);

@@ -43,9 +43,9 @@ QString lockHolder(dev_t device, ino_t inode)
     // "1: FLOCK  ADVISORY  WRITE 1234 00:2e:131 0 EOF"; waiters show "->".
     for (const QByteArray &line : locks.readAll().split('\n')) {
         const QList<QByteArray> fields = line.simplified().split(' ');
-        if (fields.size() < 6 || fields.at(1) != "FLOCK" || fields.at(4) != wanted)
+        if (fields.size() < 6 || fields.at(1) != "FLOCK" || fields.at(5) != wanted)
             continue;
-        const QByteArray pid = fields.at(3);
+        const QByteArray pid = fields.at(4);
         if (pid == self)
             continue;
         QFile cmdline(QStringLiteral("/proc/%1/cmdline").arg(QString::fromLatin1(pid)));

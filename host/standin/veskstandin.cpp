@@ -93,6 +93,20 @@ VeskBuddy addEntry(int typeCode, const QString &display)
     return addEntryData(std::move(entry));
 }
 
+void setPresence(const VeskBuddy &buddy, const VeskPresence &presence)
+{
+    const VeskRosterEntry *entry = VeskStandInAccess::entryOf(buddy);
+    if (entry && (entry->type == VeskBuddy::TypeContact || entry->type == VeskBuddy::TypeTemporary))
+        const_cast<VeskRosterEntry *>(entry)->presence = presence;
+}
+
+void setAttribute(const VeskBuddy &buddy, const QString &name, const VeskArg &value)
+{
+    const VeskRosterEntry *entry = VeskStandInAccess::entryOf(buddy);
+    if (entry && entry->type == VeskBuddy::TypeContact)
+        const_cast<VeskRosterEntry *>(entry)->attributes.insert(name, value);
+}
+
 QList<VeskBuddy> entries()
 {
     QList<VeskBuddy> result;

@@ -50,6 +50,12 @@ VESK_STANDIN_EXPORT VeskBuddy addContact(const ContactInfo &info);
 VESK_STANDIN_EXPORT VeskBuddy addTemporary(const ContactInfo &info);
 // An entry of any kind code (e.g. 0 or 7), with a display name and nothing else.
 VESK_STANDIN_EXPORT VeskBuddy addEntry(int typeCode, const QString &display);
+// What a live roster does to an entry while it is shown: a new presence (for
+// a contact or temporary contact), a new attribute value (for a contact).
+// Entries of other kinds are left as they are.
+VESK_STANDIN_EXPORT void setPresence(const VeskBuddy &buddy, const VeskPresence &presence);
+VESK_STANDIN_EXPORT void setAttribute(
+    const VeskBuddy &buddy, const QString &name, const VeskArg &value);
 // Every entry added since the last reset, in the order of addition.
 VESK_STANDIN_EXPORT QList<VeskBuddy> entries();
 // Forgets entries, groups, accounts and protocols; earlier handles and

@@ -19,7 +19,7 @@ BUILD=$WORK/build
 LOGS=$WORK/logs
 # The long runs (kill loop, Valgrind, fuzzing) stay out; they guard against
 # other kinds of fault than a wrong line.
-EXCLUDE=${VESK_MUTATE_EXCLUDE:-tst_savecrash|reliability_valgrind|reliability_fuzz}
+EXCLUDE=${VESK_MUTATE_EXCLUDE:-tst_savecrash|tst_vesk_roster_kill|reliability_valgrind|reliability_fuzz}
 JOBS=$(nproc 2>/dev/null || echo 2)
 export CCACHE_BASEDIR=$SRC QT_QPA_PLATFORM=offscreen
 

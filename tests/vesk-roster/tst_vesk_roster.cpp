@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <unistd.h>
+
 using Commands = QList<QStringList>;
 Q_DECLARE_METATYPE(Commands)
 
@@ -117,6 +119,67 @@ void copyDirectory(const QString &from, const QString &to)
     }
 }
 
+// A definition as export prints it: `nesting` stack levels, each holding
+// `conditions` display conditions with `text` and, but the innermost, the
+// next level as its last child.
+QByteArray definition(const QString &name, int nesting, const QString &text, int conditions = 1)
+{
+    QJsonObject display { { QStringLiteral("kind"), QStringLiteral("display") },
+        { QStringLiteral("fields"),
+            QJsonObject { { QStringLiteral("is_or_not"), QStringLiteral("contains") },
+                { QStringLiteral("display_filter_regexp"), text } } } };
+    QJsonObject level;
+    for (int i = nesting; i >= 1; --i) {
+        QJsonArray children;
+        for (int c = 0; c < conditions; ++c)
+            children.append(display);
+        if (i < nesting)
+            children.append(level);
+        level = QJsonObject { { QStringLiteral("kind"), QStringLiteral("stack_filter") },
+            { QStringLiteral("type"), QStringLiteral("and") },
+            { QStringLiteral("children"), children } };
+    }
+    level.remove(QStringLiteral("kind"));
+    level.insert(QStringLiteral("name"), name);
+    return QJsonDocument(level).toJson(QJsonDocument::Compact);
+}
+
+// "NAME/1/1/.../1": the innermost stack of a definition() of that nesting.
+QString innermost(const QString &name, int nesting)
+{
+    QString path = name;
+    for (int i = 1; i < nesting; ++i)
+        path += QLatin1String("/1");
+    return path;
+}
+
+bool hasControlCharacters(const QString &text)
+{
+    for (const QChar c : text) {
+        const ushort u = c.unicode();
+        if ((u < 0x20 && u != '\n') || (u >= 0x7f && u <= 0x9f) || (u >= 0x202a && u <= 0x202e)
+            || (u >= 0x2066 && u <= 0x2069) || c.isSurrogate())
+            return true;
+    }
+    return false;
+}
+
+// Every text of it is hostile; the accounts are listed in an order that no
+// sorting gives, and a CJK name stands beside a Latin one.
+const char hostileRoster[] = R"({
+  "protocols": [{"name": "jabber"}, {"name": "icq"}],
+  "accounts": [{"uid": "zed", "protocol": "jabber"}, {"uid": "amy", "protocol": "icq"},
+    {"uid": "mid\u202eevil", "protocol": "jabber"}, {"uid": "bob", "protocol": "icq"},
+    {"uid": "kim", "protocol": "jabber"}],
+  "groups": [{"name": "G\u0007r\rp", "pos": 1}],
+  "contacts": [
+    {"display": "\u001b]0;pwned\u0007Evil\u001b[2J", "group": "G\u0007r\rp", "account": 2,
+     "presence": {"id": "online", "description": "one\ntwo"}},
+    {"display": "\u5f20\u4f1f", "group": "G\u0007r\rp", "account": 0, "presence": {"id": "away"}},
+    {"display": "Bob", "group": "G\u0007r\rp", "account": 1, "presence": {"id": "away"}}
+  ]
+})";
+
 } // namespace
 
 #define RUN_OK(result, ...)                                                                        \
@@ -140,18 +203,35 @@ private slots:
 
     void storedMethodOrdersTheNextShow_data();
     void storedMethodOrdersTheNextShow();
-    void switchingFiltersSwitchesMethods();
 
     void exportThenImportReproducesAFilter();
 
     void refusalsLeaveTheSettingsUntouched_data();
     void refusalsLeaveTheSettingsUntouched();
     void refusalOnAFreshMachineLeavesNoSettingsBehind();
+    void refusalsPastAFileSizeLimitPutBackTheirOwnChanges_data();
+    void refusalsPastAFileSizeLimitPutBackTheirOwnChanges();
+
+    void boundsAreCheckedBeforeAnythingIsWritten_data();
+    void boundsAreCheckedBeforeAnythingIsWritten();
+    void theDeepestFilterExportsAndImportsAgain();
+    void unwritableSettingsAreRefusedUpFront_data();
+    void unwritableSettingsAreRefusedUpFront();
+    void settingsPlaceFollowsTheEnvironment_data();
+    void settingsPlaceFollowsTheEnvironment();
+
+    void hostileTextStaysInert();
+    void namesThatCannotBeTypedAreShownEscaped();
+    void unreadableFilesAreNamedAndKeptFromEdits_data();
+    void unreadableFilesAreNamedAndKeptFromEdits();
+    void removingTheDefaultMethodClearsTheDefault();
 
     void kindsOfferTheLoadedRostersItems();
 
 private:
-    Result program(const QStringList &args, const QByteArray &input = QByteArray()) const;
+    Result program(const QStringList &args, const QByteArray &input = QByteArray(),
+        const QProcessEnvironment &extra = QProcessEnvironment(),
+        const QStringList &wrapper = QStringList()) const;
     Result run(const QStringList &args, const QByteArray &input = QByteArray()) const
     {
         return program(QStringList { QStringLiteral("--settings"), settings }
@@ -167,21 +247,39 @@ private:
         copyDirectory(fixture.filePath(QStringLiteral("settings")), settings);
     }
 
+    // The deepest nesting of stacks a stored filter can have: the library
+    // reads no deeper file.
+    static const int deepest = 253;
+
     QTemporaryDir fixture; // the roster, and settings with filters and a method, built once
     std::unique_ptr<QTemporaryDir> temp;
     QString settings;
 };
 
-Result tst_VeskRoster::program(const QStringList &args, const QByteArray &input) const
+// `extra` adds to the environment (an empty value removes the variable);
+// `wrapper` runs the program through another command (setpriv, prlimit).
+Result tst_VeskRoster::program(const QStringList &args, const QByteArray &input,
+    const QProcessEnvironment &extra, const QStringList &wrapper) const
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     // Never the real user's configuration, even by accident.
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), temp ? temp->path() : fixture.path());
+    const QStringList keys = extra.keys();
+    for (const QString &key : keys) {
+        if (extra.value(key).isEmpty())
+            environment.remove(key);
+        else
+            environment.insert(key, extra.value(key));
+    }
     process.setProcessEnvironment(environment);
     // Rows name the fixture's files relative to it.
     process.setWorkingDirectory(fixture.path());
-    process.start(QStringLiteral(VESK_ROSTER_PROGRAM), args);
+    if (wrapper.isEmpty())
+        process.start(QStringLiteral(VESK_ROSTER_PROGRAM), args);
+    else
+        process.start(wrapper.first(),
+            wrapper.mid(1) + QStringList(QStringLiteral(VESK_ROSTER_PROGRAM)) + args);
     process.write(input);
     process.closeWriteChannel();
     process.waitForFinished(60000);
@@ -231,6 +329,19 @@ void tst_VeskRoster::initTestCase()
     });
     writeFile(fixture.filePath(QStringLiteral("single.json")),
         run(A({ "export", "single" })).out.toUtf8());
+    writeFile(fixture.filePath(QStringLiteral("hostile.json")), hostileRoster);
+
+    // A definition past the size bound, one just below it, and the deepest
+    // nesting there is, and one level more.
+    const QString kb120(120000, QLatin1Char('x'));
+    writeFile(fixture.filePath(QStringLiteral("huge.json")),
+        definition(QStringLiteral("huge"), 1, QString(5000000, QLatin1Char('x'))));
+    writeFile(fixture.filePath(QStringLiteral("near.json")),
+        definition(QStringLiteral("near"), 1, kb120, 8));
+    writeFile(fixture.filePath(QStringLiteral("deepest.json")),
+        definition(QStringLiteral("deep"), deepest, QStringLiteral("d")));
+    writeFile(fixture.filePath(QStringLiteral("deeper.json")),
+        definition(QStringLiteral("deep"), deepest + 1, QStringLiteral("d")));
 }
 
 void tst_VeskRoster::init()
@@ -333,11 +444,6 @@ void tst_VeskRoster::filterListChangesAsTheLibraryDefines_data()
         << Commands { A({ "remove", "work" }) } << QStringLiteral("*default single nested-single");
     QTest::newRow("import --replace keeps the place")
         << Commands { A({ "import", "single.json", "--as", "work", "--replace" }) } << unchanged;
-    QTest::newRow("names that are no plain file names survive")
-        << Commands { A({ "new", "a/b", "or", "display", "is_or_not=contains" }),
-               A({ "rename", "a/b", ".hidden ünïcode" }),
-               A({ "new", "a/b", "or", "display", "is_or_not=contains" }) }
-        << unchanged + QStringLiteral(" .hidden ünïcode a/b");
     QTest::newRow("up swaps with the entry above")
         << Commands { A({ "up", "nested-single" }) }
         << QStringLiteral("default *work nested-single single");
@@ -359,19 +465,13 @@ void tst_VeskRoster::storedMethodOrdersTheNextShow_data()
 {
     QTest::addColumn<QStringList>("comparators");
     QTest::addColumn<QString>("expected");
-    // Groups have positions, which the name comparator ranks ascending; the
-    // chats comparator cannot tell groups apart, so they keep roster order.
-    // Non-integer counts and temporary contacts count as 0, and ties keep
-    // roster order.
-    QTest::newRow("name ascending lists A to Z")
-        << A({ "name" })
-        << QStringLiteral("Friends: Bob, Eve, Tim | Work: Adam, alice, Carol | -: Dave");
+    // What the comparators answer is the sorters' own tests' business; here
+    // only how show places entries by it: x before y when lessThan(y, x), the
+    // groups the chats comparator cannot tell apart and the ties (non-integer
+    // counts and temporary contacts count as 0) in roster order.
     QTest::newRow("chats count ascending lists the most chats first")
         << A({ "chats_count" })
         << QStringLiteral("Work: Carol, Adam, alice | Friends: Eve, Bob, Tim | -: Dave");
-    QTest::newRow("chats count descending lists the fewest first")
-        << A({ "chats_count:desc" })
-        << QStringLiteral("Work: alice, Adam, Carol | Friends: Bob, Tim, Eve | -: Dave");
 }
 
 void tst_VeskRoster::storedMethodOrdersTheNextShow()
@@ -382,23 +482,6 @@ void tst_VeskRoster::storedMethodOrdersTheNextShow()
     const QJsonObject show = parse(run(A({ "--json", "show" })).out);
     QCOMPARE(show.value(QLatin1String("sorter")).toString() + QLatin1Char(' ') + shownRoster(show),
         QStringLiteral("m ") + expected);
-}
-
-void tst_VeskRoster::switchingFiltersSwitchesMethods()
-{
-    useFixture(); // "work" is current
-    runAll({ A({ "sorter", "chats", "chats_count" }), A({ "sort", "byname" }),
-        A({ "use", "default" }), A({ "sort", "chats" }) });
-    QStringList seen;
-    for (const char *filter : { "default", "work", "default" }) {
-        runAll({ A({ "use", filter }) });
-        const QJsonObject show = parse(run(A({ "--json", "show" })).out);
-        seen.append(show.value(QLatin1String("sorter")).toString() + QLatin1String(": ")
-            + shownRoster(show));
-    }
-    const QString byChats
-        = QStringLiteral("chats: Work: Carol, Adam, alice | Friends: Eve, Bob, Tim | -: Dave");
-    QCOMPARE(seen, QStringList({ byChats, QStringLiteral("byname: Work: alice, Carol"), byChats }));
 }
 
 void tst_VeskRoster::exportThenImportReproducesAFilter()
@@ -490,7 +573,10 @@ void tst_VeskRoster::refusalsLeaveTheSettingsUntouched_data()
     row("import onto an existing name", A({ "import", "existing.json" }), "already exists");
     row("empty name", A({ "new", "", "and", "display" }), "cannot be empty");
     row("edit of default", A({ "remove", "default" }), "default filter cannot be edited");
+    row("up of default", A({ "up", "default" }), "default filter always stays first");
     row("down of default", A({ "down", "default" }), "default filter always stays first");
+    row("up of the first filter", A({ "up", "work" }), "already the first filter");
+    row("down of the last filter", A({ "down", "nested-single" }), "already the last filter");
     row("bad advanced flag", A({ "advanced", "work", "maybe" }), "\"on\" or \"off\"");
     row("new without a condition", A({ "new", "x", "and" }), "without children");
     row("empty nested stack", A({ "add", "work", "stack_filter", "or" }), "without children");
@@ -536,6 +622,335 @@ void tst_VeskRoster::kindsOfferTheLoadedRostersItems()
     QCOMPARE(seen,
         A({ "account", "description", "display", "group", "presence", "protocol", "Work",
             "Friends" }));
+}
+
+void tst_VeskRoster::refusalsPastAFileSizeLimitPutBackTheirOwnChanges_data()
+{
+    QTest::addColumn<Commands>("setup");
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<QString>("message");
+    // The new filter's file fits in the limit and is written; the settings
+    // file, which then stores the display order, does not: the run is
+    // refused after it created a file, and must take it away again.
+    QTest::newRow("settings file past the limit, after a filter's file was created")
+        << Commands { QStringList { QStringLiteral("sorter"), QString(20000, QLatin1Char('m')),
+               QStringLiteral("name") } }
+        << A({ "new", "x", "and", "display", "is_or_not=contains" })
+        << QStringLiteral("could not store the settings in");
+    QTest::newRow("filter file past the limit")
+        << Commands() << A({ "import", "near.json" })
+        << QStringLiteral("could not store the filter \"near\"");
+}
+
+void tst_VeskRoster::refusalsPastAFileSizeLimitPutBackTheirOwnChanges()
+{
+    QFETCH(Commands, setup);
+    QFETCH(QStringList, args);
+    QFETCH(QString, message);
+    useFixture();
+    runAll(setup);
+    const QString before = fingerprint(settings);
+    // A write past RLIMIT_FSIZE fails (with SIGXFSZ ignored) like one on a
+    // full disk, and root cannot get round it.
+    const Result result = program(QStringList { QStringLiteral("--settings"), settings } + args,
+        QByteArray(), QProcessEnvironment(),
+        { QStringLiteral("sh"), QStringLiteral("-c"),
+            QStringLiteral("trap '' XFSZ; exec prlimit --fsize=65536 \"$@\""),
+            QStringLiteral("sh") });
+    QCOMPARE(result.status, 2);
+    QVERIFY2(result.err.contains(message) && result.out.isEmpty(), qPrintable(result.err));
+    QCOMPARE(fingerprint(settings), before);
+}
+
+void tst_VeskRoster::boundsAreCheckedBeforeAnythingIsWritten_data()
+{
+    QTest::addColumn<Commands>("setup");
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<QString>("message");
+    const QString condition
+        = QStringLiteral("display_filter_regexp=") + QString(120000, QLatin1Char('x'));
+    QStringList tenConditions = A({ "new", "big", "or" });
+    for (int i = 0; i < 10; ++i)
+        tenConditions << QStringLiteral("display") << QStringLiteral("is_or_not=contains")
+                      << condition;
+    const QString bytesBound = QStringLiteral("the bound is 1048576 bytes");
+    QTest::newRow("new past the size bound") << Commands() << tenConditions << bytesBound;
+    QTest::newRow("add past the size bound")
+        << Commands { A({ "import", "near.json" }) }
+        << A({ "add", "near", "display", "is_or_not=contains" }) + QStringList(condition)
+        << bytesBound;
+    QTest::newRow("import past the size bound")
+        << Commands() << A({ "import", "huge.json" }) << bytesBound;
+    QTest::newRow("import --replace past the size bound keeps the old filter")
+        << Commands { A({ "new", "reachable", "and", "display", "is_or_not=contains" }) }
+        << A({ "import", "huge.json", "--as", "reachable", "--replace" }) << bytesBound;
+    QTest::newRow("add past the depth bound")
+        << Commands { A({ "import", "deepest.json" }) }
+        << QStringList { QStringLiteral("add"), innermost(QStringLiteral("deep"), deepest),
+               QStringLiteral("stack_filter"), QStringLiteral("or"), QStringLiteral("display") }
+        << QStringLiteral("254 levels deep, and the bound is 253 levels");
+    QTest::newRow("import past the depth bound")
+        << Commands() << A({ "import", "deeper.json" }) << QStringLiteral("deeper than 253 levels");
+}
+
+void tst_VeskRoster::boundsAreCheckedBeforeAnythingIsWritten()
+{
+    QFETCH(Commands, setup);
+    QFETCH(QStringList, args);
+    QFETCH(QString, message);
+    runAll(setup);
+    const QString before = fingerprint(settings);
+    const Result result = run(args);
+    QCOMPARE(result.status, 2);
+    QVERIFY2(result.err.contains(message) && result.out.isEmpty(), qPrintable(result.err));
+    QCOMPARE(fingerprint(settings), before);
+}
+
+void tst_VeskRoster::theDeepestFilterExportsAndImportsAgain()
+{
+    runAll({ A({ "import", "deepest.json" }) });
+    RUN_OK(exported, A({ "export", "deep" }));
+    RUN_OK(imported, A({ "import", "-", "--as", "copy" }), exported.out.toUtf8());
+    RUN_OK(copy, A({ "export", "copy" }));
+    QJsonObject expected = parse(exported.out);
+    expected.insert(QStringLiteral("name"), QStringLiteral("copy"));
+    QCOMPARE(parse(copy.out), expected);
+}
+
+void tst_VeskRoster::unwritableSettingsAreRefusedUpFront_data()
+{
+    QTest::addColumn<QString>("place"); // file, below-file, read-only
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<QString>("message");
+    const struct
+    {
+        const char *place;
+        const char *message;
+    } places[] = { { "file", "is not a directory" },
+        { "below-file", "cannot create the settings directory" },
+        { "read-only", "cannot write to the settings directory" } };
+    const Commands commands { A({ "new", "x", "and", "display" }), A({ "use", "work" }),
+        A({ "sorter", "m", "name" }), A({ "remove", "work" }), A({ "rename", "work", "w" }) };
+    for (const auto &place : places) {
+        for (const QStringList &command : commands) {
+            QTest::addRow("%s: %s", place.place, qPrintable(command.first()))
+                << QString::fromUtf8(place.place) << command << QString::fromUtf8(place.message);
+        }
+    }
+}
+
+void tst_VeskRoster::unwritableSettingsAreRefusedUpFront()
+{
+    QFETCH(QString, place);
+    QFETCH(QStringList, args);
+    QFETCH(QString, message);
+    QString dir = settings;
+    QStringList wrapper;
+    if (place == QLatin1String("read-only")) {
+        useFixture();
+        // Root writes into any directory: the program then runs as nobody.
+        QVERIFY(QFile::setPermissions(temp->path(),
+            QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadOther
+                | QFileDevice::ExeOther));
+        QVERIFY(QFile::setPermissions(settings,
+            QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadOther
+                | QFileDevice::ExeOther));
+        if (::geteuid() == 0) {
+            wrapper = A({ "setpriv", "--reuid=65534", "--regid=65534", "--clear-groups" });
+            if (program(
+                    A({ "--roster", "-", "help" }), QByteArray(), QProcessEnvironment(), wrapper)
+                    .status
+                != 0)
+                QSKIP("the program cannot be run as an unprivileged user here");
+        }
+        // Reading still works, under a shared lock.
+        const Result read
+            = program(QStringList { QStringLiteral("--settings"), dir, QStringLiteral("filters") },
+                QByteArray(), QProcessEnvironment(), wrapper);
+        QVERIFY2(
+            read.status == 0 && read.out.contains(QLatin1String("work")), qPrintable(read.err));
+    } else {
+        writeFile(settings, "not a directory");
+        if (place == QLatin1String("below-file"))
+            dir = settings + QLatin1String("/vesk-roster");
+    }
+    const QString before = fingerprint(temp->path());
+    const Result result = program(QStringList { QStringLiteral("--settings"), dir } + args,
+        QByteArray(), QProcessEnvironment(), wrapper);
+    QFile::setPermissions(
+        settings, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    QCOMPARE(result.status, 2);
+    QVERIFY2(result.err.contains(message) && result.err.contains(settings), qPrintable(result.err));
+    QCOMPARE(fingerprint(temp->path()), before);
+}
+
+void tst_VeskRoster::settingsPlaceFollowsTheEnvironment_data()
+{
+    QTest::addColumn<QString>("xdg");
+    QTest::addColumn<QString>("home");
+    QTest::addColumn<QString>("stored"); // relative to the temporary directory; empty: refused
+    QTest::newRow("XDG_CONFIG_HOME first") << "xdg"
+                                           << "home"
+                                           << "xdg/vesk-roster";
+    QTest::newRow("HOME without XDG_CONFIG_HOME") << ""
+                                                  << "home"
+                                                  << "home/.config/vesk-roster";
+    QTest::newRow("a relative XDG_CONFIG_HOME is ignored") << "relative"
+                                                           << "home"
+                                                           << "home/.config/vesk-roster";
+    QTest::newRow("neither is refused") << ""
+                                        << ""
+                                        << "";
+}
+
+void tst_VeskRoster::settingsPlaceFollowsTheEnvironment()
+{
+    QFETCH(QString, xdg);
+    QFETCH(QString, home);
+    QFETCH(QString, stored);
+    QProcessEnvironment environment;
+    auto absolute = [&](const QString &name) {
+        return name.isEmpty() || name == QLatin1String("relative") ? name : temp->filePath(name);
+    };
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), absolute(xdg));
+    environment.insert(QStringLiteral("HOME"), absolute(home));
+    const Result result = program(A({ "sorter", "m", "name" }), QByteArray(), environment);
+    QVERIFY(!QFileInfo::exists(fixture.filePath(QStringLiteral("relative"))));
+    if (stored.isEmpty()) {
+        QCOMPARE(result.status, 2);
+        QVERIFY2(result.err.contains(QLatin1String("--settings")), qPrintable(result.err));
+        return;
+    }
+    QVERIFY2(result.status == 0, qPrintable(result.err));
+    QVERIFY(QFileInfo::exists(temp->filePath(stored + QLatin1String("/settings.dat"))));
+}
+
+void tst_VeskRoster::hostileTextStaysInert()
+{
+    const QStringList roster = A({ "--roster", "hostile.json" });
+    const QByteArray named
+        = definition(QStringLiteral("\x1b[31mred"), 1, QStringLiteral("\x1b]0;t\x07"));
+    RUN_OK(imported, A({ "import", "-" }), named);
+    RUN_OK(copied, A({ "import", "-", "--as", "x" }), named);
+    for (const QStringList &command : Commands { A({ "show" }), A({ "filters" }), A({ "kinds" }),
+             A({ "export", "x" }), A({ "--json", "show" }), A({ "use", "nope" }) }) {
+        const Result result = run(roster + command);
+        QVERIFY2(!hasControlCharacters(result.out) && !hasControlCharacters(result.err),
+            qPrintable(command.join(QLatin1Char(' '))));
+    }
+    RUN_OK(text, roster + A({ "show" }));
+    QVERIFY2(text.out.contains(QLatin1String("\\e]0;pwned\\x07Evil\\e[2J"))
+            && text.out.contains(QLatin1String("one\\ntwo"))
+            && text.out.contains(QLatin1String("mid\\u202eevil")),
+        qPrintable(text.out));
+    // CJK characters take two columns: the next column starts at the same
+    // place in both rows.
+    const QStringList lines = text.out.split(QLatin1Char('\n'));
+    auto prefix = [&](const QString &name) {
+        for (const QString &line : lines) {
+            if (line.contains(name))
+                return line.left(line.indexOf(QLatin1String("away")));
+        }
+        return QString();
+    };
+    const QString latin = prefix(QStringLiteral("Bob"));
+    const QString wide = prefix(QString::fromUtf8("张伟"));
+    QVERIFY2(latin.startsWith(QLatin1String("  Bob ")) && wide.size() + 2 == latin.size(),
+        qPrintable(latin + QLatin1Char('|') + wide));
+
+    // JSON keeps every text exactly, escaped as JSON escapes.
+    RUN_OK(json, roster + A({ "--json", "show" }));
+    const QJsonObject group = parse(json.out).value(QLatin1String("groups"))[0].toObject();
+    QCOMPARE(group[QLatin1String("name")].toString(), QStringLiteral("G\x07r\rp"));
+    QCOMPARE(group.value(QLatin1String("entries"))[0][QLatin1String("display")].toString(),
+        QStringLiteral("\x1b]0;pwned\x07"
+                       "Evil\x1b[2J"));
+    RUN_OK(filters, A({ "filters" }));
+    QVERIFY2(filters.out.contains(QLatin1String("\\e[31mred")), qPrintable(filters.out));
+
+    // Account and protocol items come in the accounts' order, in every run.
+    RUN_OK(kinds, roster + A({ "--json", "kinds" }));
+    QStringList items;
+    for (const QJsonValue &kind : parse(kinds.out)[QLatin1String("kinds")].toArray()) {
+        if (kind[QLatin1String("id")] == QLatin1String("account")
+            || kind[QLatin1String("id")] == QLatin1String("protocol")) {
+            for (const QJsonValue &item :
+                kind[QLatin1String("fields")][1][QLatin1String("items")].toArray())
+                items.append(item[QLatin1String("id")].toString());
+        }
+    }
+    QCOMPARE(items,
+        QStringList({ QStringLiteral("zed@jabber"), QStringLiteral("amy@icq"),
+            QStringLiteral("mid\u202eevil@jabber"), QStringLiteral("bob@icq"),
+            QStringLiteral("kim@jabber"), QStringLiteral("jabber"), QStringLiteral("icq") }));
+}
+
+void tst_VeskRoster::namesThatCannotBeTypedAreShownEscaped()
+{
+    // A name with an unpaired surrogate, as a JSON escape.
+    const QByteArray document
+        = definition(QStringLiteral("NAME"), 1, QStringLiteral("x")).replace("NAME", "\\ud800x");
+    RUN_OK(imported, A({ "import", "-" }), document);
+    RUN_OK(listed, A({ "filters" }));
+    QVERIFY2(listed.out.contains(QLatin1String("\\ud800x")), qPrintable(listed.out));
+    RUN_OK(removed, A({ "remove", "\\ud800x" }));
+    QCOMPARE(filterList(), QStringLiteral("*default"));
+}
+
+void tst_VeskRoster::unreadableFilesAreNamedAndKeptFromEdits_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("reason");
+    QByteArray deep;
+    for (int i = 0; i < 300; ++i)
+        deep += "<stack_filter type=\"AND\">";
+    QTest::newRow("not XML") << QByteArray("not xml") << "not well-formed XML";
+    QTest::newRow("too big") << QByteArray("<stack_filter type=\"AND\">") + QByteArray(1100000, ' ')
+            + "</stack_filter>"
+                             << "too big: 1100040 bytes, and the bound is 1048576 bytes";
+    QTest::newRow("too deep") << deep << "nests deeper than the bound of 253 stack levels";
+    QTest::newRow("without conditions")
+        << QByteArray("<stack_filter type=\"OR\"/>") << "holds no conditions";
+}
+
+void tst_VeskRoster::unreadableFilesAreNamedAndKeptFromEdits()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, reason);
+    useFixture();
+    const QString file = settings + QLatin1String("/roster_filters/single");
+    writeFile(file, content);
+    for (const char *listing : { "show", "filters" }) {
+        const Result result = run(A({ listing }));
+        QVERIFY2(result.status == 0 && result.err.contains(QLatin1String("\"single\""))
+                && result.err.contains(file) && result.err.contains(reason)
+                && result.err.contains(QLatin1String("\"remove single\""))
+                && result.err.contains(QLatin1String("--as single --replace")),
+            qPrintable(result.err));
+    }
+    const QString before = fingerprint(settings);
+    for (const QStringList &edit : Commands { A({ "add", "single", "display" }),
+             A({ "advanced", "single", "on" }), A({ "export", "single" }) }) {
+        const Result result = run(edit);
+        QVERIFY2(result.status == 2 && result.err.contains(reason), qPrintable(result.err));
+    }
+    QCOMPARE(fingerprint(settings), before);
+    // Replacing it is the way out.
+    runAll({ A({ "import", "single.json", "--as", "single", "--replace" }) });
+    RUN_OK(after, A({ "filters" }));
+    QVERIFY2(after.err.isEmpty(), qPrintable(after.err));
+}
+
+void tst_VeskRoster::removingTheDefaultMethodClearsTheDefault()
+{
+    runAll({ A({ "sorter", "m", "chats_count" }), A({ "sorter-default", "m" }),
+        A({ "sorter-remove", "m" }) });
+    RUN_OK(removed, A({ "--json", "sorters" }));
+    QCOMPARE(parse(removed.out)[QLatin1String("default")].toString(), QString());
+    runAll({ A({ "sorter", "m", "chats_count" }), A({ "sorter-default", "m" }),
+        A({ "sorter-default", "--none" }) });
+    RUN_OK(none, A({ "--json", "show" }));
+    QCOMPARE(parse(none.out)[QLatin1String("sorter")].toString(), QString());
 }
 
 QTEST_GUILESS_MAIN(tst_VeskRoster)

@@ -1,0 +1,315 @@
+#include "mainwindow.h"
+
+#include "filtereditor.h"
+#include "filtertree.h"
+#include "rosterlibrary.h"
+#include "rostertreemodel.h"
+
+#include <librarysession.h>
+#include <veskrosterfiltersmanager.h>
+#include <veskrosterfiltersstack.h>
+#include <veskrosterproxymodel.h>
+#include <veskrostersortersmanager.h>
+#include <veskstandin.h>
+
+#include "sortereditor.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QStyledItemDelegate>
+#include <QToolBar>
+#include <QTreeView>
+
+namespace {
+
+const QString defaultId = QStringLiteral("default");
+
+// The method the view is sorted by: the current filter's, or the default
+// method while "default" (or a filter without a method of its own) is current.
+QString currentMethod(const VeskLibrarySession &session)
+{
+    const QString id = session.filters()->getCurrentFilterName();
+    VeskRosterFilter *filter = session.filter(id);
+    if (id == defaultId || !filter || filter->getSorter().isEmpty())
+        return session.sorters()->getDefault();
+    return filter->getSorter();
+}
+
+// Group rows read "Friends (3/10)": members shown of members held.
+class GroupCountDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const auto *proxy = qobject_cast<const VeskRosterProxyModel *>(index.model());
+        if (!proxy || index.column() != 0
+            || proxy->rosterEntry(index).getType() != VeskBuddy::TypeGroup)
+            return;
+        const QModelIndex source = proxy->mapToSource(index);
+        option->text = VeskRosterWindow::tr("%1 (%2/%3)")
+                           .arg(option->text)
+                           .arg(proxy->rowCount(index))
+                           .arg(source.model()->rowCount(source));
+        option->font.setBold(true);
+    }
+};
+
+} // namespace
+
+VeskRosterWindow::VeskRosterWindow(VeskRosterLibrary *library, QWidget *parent)
+    : QMainWindow(parent)
+    , rosterLibrary(library)
+    , rosterModel(new VeskRosterTreeModel(this))
+    , proxyModel(new VeskRosterProxyModel(this))
+    , tree(new QTreeView(this))
+    , filterCombo(new QComboBox(this))
+    , sorterCombo(new QComboBox(this))
+    , statusLabel(new QLabel(this))
+    , random(20261123)
+{
+    setWindowTitle(tr("Roster"));
+    rosterModel->setRoster(VeskStandIn::entries());
+    for (const VeskBuddy &member : rosterModel->members()) {
+        const VeskPresence presence = member.getType() == VeskBuddy::TypeContact
+            ? VeskBuddyContact(member).getPresence()
+            : VeskBuddyTemporary(member).getPresence();
+        if (std::none_of(presences.begin(), presences.end(),
+                [&](const VeskPresence &p) { return p.getId() == presence.getId(); }))
+            presences.append(presence);
+    }
+    proxyModel->setSourceModel(rosterModel);
+    tree->setModel(proxyModel);
+    tree->setItemDelegate(new GroupCountDelegate(tree));
+    tree->setUniformRowHeights(true);
+    tree->setAlternatingRowColors(true);
+    tree->header()->setStretchLastSection(false);
+    tree->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    tree->setColumnWidth(0, 220);
+    tree->setColumnWidth(1, 110);
+    tree->setColumnWidth(2, 190);
+    tree->setColumnWidth(3, 190);
+    tree->setColumnWidth(4, 60);
+    setCentralWidget(tree);
+
+    auto *bar = addToolBar(tr("Roster"));
+    bar->setObjectName(QStringLiteral("choosers"));
+    bar->setMovable(false);
+    auto *filterLabel = new QLabel(tr("&Filter:"), this);
+    filterLabel->setBuddy(filterCombo);
+    filterCombo->setObjectName(QStringLiteral("filter"));
+    filterCombo->setMinimumContentsLength(14);
+    auto *sorterLabel = new QLabel(tr("&Sorting:"), this);
+    sorterLabel->setBuddy(sorterCombo);
+    sorterCombo->setObjectName(QStringLiteral("sorter"));
+    sorterCombo->setMinimumContentsLength(14);
+    bar->addWidget(filterLabel);
+    bar->addWidget(filterCombo);
+    bar->addSeparator();
+    bar->addWidget(sorterLabel);
+    bar->addWidget(sorterCombo);
+
+    QMenu *roster = menuBar()->addMenu(tr("&Roster"));
+    QAction *filters
+        = roster->addAction(tr("&Edit filters..."), this, &VeskRosterWindow::editFilters);
+    filters->setShortcut(QKeySequence(tr("Ctrl+E")));
+    QAction *sorters
+        = roster->addAction(tr("Edit s&orting methods..."), this, &VeskRosterWindow::editSorters);
+    sorters->setShortcut(QKeySequence(tr("Ctrl+M")));
+    simulateAction = roster->addAction(tr("Simulate &activity"));
+    simulateAction->setCheckable(true);
+    simulateAction->setShortcut(QKeySequence(tr("Ctrl+T")));
+    roster->addSeparator();
+    QAction *quit = roster->addAction(tr("&Quit"), this, &QWidget::close);
+    quit->setShortcut(QKeySequence(tr("Ctrl+Q")));
+    bar->addSeparator();
+    bar->addAction(filters);
+    bar->addAction(sorters);
+    bar->addAction(simulateAction);
+
+    statusLabel->setObjectName(QStringLiteral("status"));
+    statusBar()->addWidget(statusLabel);
+
+    simulation.setInterval(800);
+    connect(&simulation, &QTimer::timeout, this, &VeskRosterWindow::simulateStep);
+    connect(simulateAction, &QAction::toggled, this,
+        [this](bool on) { on ? simulation.start() : simulation.stop(); });
+    countTimer.setSingleShot(true);
+    connect(&countTimer, &QTimer::timeout, this, &VeskRosterWindow::countShown);
+    for (auto signal : { &QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved })
+        connect(proxyModel, signal, this, &VeskRosterWindow::scheduleCount);
+    connect(proxyModel, &QAbstractItemModel::layoutChanged, this, &VeskRosterWindow::scheduleCount);
+    connect(proxyModel, &QAbstractItemModel::modelReset, this, &VeskRosterWindow::scheduleCount);
+    connect(filterCombo, QOverload<int>::of(&QComboBox::activated), this,
+        &VeskRosterWindow::chooseFilter);
+    connect(sorterCombo, QOverload<int>::of(&QComboBox::activated), this,
+        &VeskRosterWindow::chooseSorter);
+    connect(rosterLibrary, &VeskRosterLibrary::reloaded, this, &VeskRosterWindow::refresh);
+    connect(rosterLibrary, &VeskRosterLibrary::lost, this, &VeskRosterWindow::giveUp);
+
+    refresh();
+    resize(900, 640);
+    tree->setFocus();
+}
+
+VeskRosterWindow::~VeskRosterWindow() = default;
+
+void VeskRosterWindow::giveUp(const QString &error)
+{
+    simulation.stop();
+    simulateAction->setEnabled(false);
+    tree->setModel(nullptr);
+    // An open editor would ask the library for its next condition; it is not
+    // deleted, since this may run inside its own accept().
+    const QList<QDialog *> dialogs = findChildren<QDialog *>();
+    for (QDialog *dialog : dialogs) {
+        dialog->setEnabled(false);
+        dialog->hide();
+    }
+    setEnabled(false);
+    QMessageBox::critical(this, tr("Roster"),
+        tr("The settings directory can no longer be read, so the roster window closes: %1")
+            .arg(error));
+    QCoreApplication::exit(2);
+}
+
+QString VeskRosterWindow::statusText() const
+{
+    return statusLabel->text();
+}
+
+void VeskRosterWindow::refresh()
+{
+    proxyModel->refresh();
+    tree->expandAll();
+    fillChoosers();
+    countShown();
+}
+
+void VeskRosterWindow::fillChoosers()
+{
+    VeskLibrarySession *session = rosterLibrary->session();
+    const QString current = session->filters()->getCurrentFilterName();
+    filterCombo->clear();
+    const QStringList ids = session->filters()->getFilterNames();
+    for (const QString &id : ids)
+        filterCombo->addItem(id == defaultId ? tr("default (every entry)") : id, id);
+    filterCombo->setCurrentIndex(filterCombo->findData(current));
+
+    const QString method = currentMethod(*session);
+    sorterCombo->clear();
+    sorterCombo->addItem(tr("built-in order (presence, name)"), QString());
+    const QStringList methods = session->sorters()->getSorters();
+    for (const QString &name : methods)
+        sorterCombo->addItem(name, name);
+    sorterCombo->setCurrentIndex(qMax(0, sorterCombo->findData(method)));
+}
+
+void VeskRosterWindow::chooseFilter(int index)
+{
+    const QString id = filterCombo->itemData(index).toString();
+    QString error;
+    if (!rosterLibrary->change([&](VeskLibrarySession &session,
+                                   QString *error) { return session.setCurrentFilter(id, error); },
+            &error))
+        showError(error);
+}
+
+void VeskRosterWindow::chooseSorter(int index)
+{
+    const QString name = sorterCombo->itemData(index).toString();
+    QString error;
+    const bool done = rosterLibrary->change(
+        [&](VeskLibrarySession &session, QString *error) {
+            if (!name.isEmpty())
+                return session.sortCurrentFilter(name, error);
+            // The built-in order: no default method, and none kept by the
+            // current filter, which then takes the (empty) default.
+            const QString current = session.filters()->getCurrentFilterName();
+            VeskRosterFiltersStack *stack = session.stack(current);
+            if (!session.setDefaultSorter(QString(), error))
+                return false;
+            if (!stack || stack->getSorter().isEmpty())
+                return true;
+            const std::unique_ptr<VeskRosterFiltersStack> replacement(
+                static_cast<VeskRosterFiltersStack *>(
+                    VeskFilterTreeOps::copy(stack, session.filters())));
+            replacement->setAdvancedMode(stack->isAdvancedMode());
+            return session.replaceStack(current, replacement.get(), error);
+        },
+        &error);
+    if (!done)
+        showError(error);
+}
+
+void VeskRosterWindow::editFilters()
+{
+    auto *editor = new VeskFilterEditor(rosterLibrary, this);
+    editor->setAttribute(Qt::WA_DeleteOnClose);
+    editor->open();
+}
+
+void VeskRosterWindow::editSorters()
+{
+    auto *editor = new VeskSorterEditor(rosterLibrary, this);
+    editor->setAttribute(Qt::WA_DeleteOnClose);
+    editor->open();
+}
+
+void VeskRosterWindow::simulateStep()
+{
+    const QVector<VeskBuddy> &members = rosterModel->members();
+    if (members.isEmpty() || presences.isEmpty())
+        return;
+    for (int n = 0; n < 3; ++n) {
+        const int member = random.bounded(members.size());
+        const VeskBuddy &entry = members.at(member);
+        VeskStandIn::setPresence(entry, presences.at(random.bounded(presences.size())));
+        if (entry.getType() == VeskBuddy::TypeContact) {
+            const VeskArg chats = VeskBuddyContact(entry).getAttrib(QStringLiteral("chats_count"));
+            const int count = chats.getType() == VeskArg::TypeInt ? chats.toInt() : 0;
+            VeskStandIn::setAttribute(entry, QStringLiteral("chats_count"),
+                VeskStandIn::makeIntArg(count + random.bounded(3)));
+        }
+        rosterModel->memberChanged(member);
+    }
+}
+
+void VeskRosterWindow::scheduleCount()
+{
+    countTimer.start(0);
+}
+
+void VeskRosterWindow::countShown()
+{
+    // Members are the rows without children among the top rows and all rows
+    // under groups; the proxy holds only what is shown.
+    int shown = 0;
+    for (int row = 0; row < proxyModel->rowCount(); ++row) {
+        const QModelIndex index = proxyModel->index(row, 0);
+        if (proxyModel->rosterEntry(index).getType() == VeskBuddy::TypeGroup)
+            shown += proxyModel->rowCount(index);
+        else
+            ++shown;
+    }
+    statusLabel->setText(
+        tr("%1 of %2 entries shown").arg(shown).arg(rosterModel->members().size()));
+}
+
+void VeskRosterWindow::showError(const QString &error)
+{
+    fillChoosers();
+    auto *box = new QMessageBox(QMessageBox::Warning, tr("Roster"), error, QMessageBox::Ok, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}

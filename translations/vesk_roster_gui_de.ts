@@ -1,0 +1,395 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE">
+<context>
+    <name>VeskFilterEditor</name>
+    <message>
+        <source>Filters</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>&amp;Filters:</source>
+        <translation>&amp;Filter:</translation>
+    </message>
+    <message>
+        <source>&amp;New filter</source>
+        <translation>&amp;Neuer Filter</translation>
+    </message>
+    <message>
+        <source>Ctrl+N</source>
+        <translation>Ctrl+N</translation>
+    </message>
+    <message>
+        <source>Remove filter</source>
+        <translation>Filter entfernen</translation>
+    </message>
+    <message>
+        <source>Ctrl+Del</source>
+        <translation>Ctrl+Del</translation>
+    </message>
+    <message>
+        <source>Filter up</source>
+        <translation>Filter nach oben</translation>
+    </message>
+    <message>
+        <source>Alt+Up</source>
+        <translation>Alt+Up</translation>
+    </message>
+    <message>
+        <source>Filter down</source>
+        <translation>Filter nach unten</translation>
+    </message>
+    <message>
+        <source>Alt+Down</source>
+        <translation>Alt+Down</translation>
+    </message>
+    <message>
+        <source>Na&amp;me:</source>
+        <translation>Na&amp;me:</translation>
+    </message>
+    <message>
+        <source>Ad&amp;vanced mode</source>
+        <translation>Er&amp;weiterter Modus</translation>
+    </message>
+    <message>
+        <source>&amp;Conditions:</source>
+        <translation>&amp;Bedingungen:</translation>
+    </message>
+    <message>
+        <source>&amp;Kind:</source>
+        <translation>&amp;Art:</translation>
+    </message>
+    <message>
+        <source>&amp;Add condition</source>
+        <translation>Bedingung &amp;hinzufügen</translation>
+    </message>
+    <message>
+        <source>Ins</source>
+        <translation>Ins</translation>
+    </message>
+    <message>
+        <source>Add nested &amp;stack</source>
+        <translation>Verschachtelten &amp;Stapel hinzufügen</translation>
+    </message>
+    <message>
+        <source>Ctrl+Ins</source>
+        <translation>Ctrl+Ins</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>&amp;Entfernen</translation>
+    </message>
+    <message>
+        <source>Move &amp;up</source>
+        <translation>Nach &amp;oben</translation>
+    </message>
+    <message>
+        <source>Ctrl+Up</source>
+        <translation>Ctrl+Up</translation>
+    </message>
+    <message>
+        <source>Move &amp;down</source>
+        <translation>Nach &amp;unten</translation>
+    </message>
+    <message>
+        <source>Ctrl+Down</source>
+        <translation>Ctrl+Down</translation>
+    </message>
+    <message>
+        <source>AND: every condition</source>
+        <translation>UND: jede Bedingung</translation>
+    </message>
+    <message>
+        <source>OR: any condition</source>
+        <translation>ODER: irgendeine Bedingung</translation>
+    </message>
+    <message>
+        <source>&amp;Join with:</source>
+        <translation>&amp;Verknüpfen mit:</translation>
+    </message>
+    <message>
+        <source>Shows:</source>
+        <translation>Zeigt:</translation>
+    </message>
+    <message>
+        <source>Ctrl+Return</source>
+        <translation>Ctrl+Return</translation>
+    </message>
+    <message>
+        <source>every entry; the default filter cannot be edited</source>
+        <translation>jeden Eintrag; der Standardfilter kann nicht bearbeitet werden</translation>
+    </message>
+    <message>
+        <source>OR</source>
+        <translation>ODER</translation>
+    </message>
+    <message>
+        <source>AND</source>
+        <translation>UND</translation>
+    </message>
+    <message>
+        <source>filter %1</source>
+        <translation>Filter %1</translation>
+    </message>
+    <message>
+        <source>a filter needs a name</source>
+        <translation>ein Filter braucht einen Namen</translation>
+    </message>
+    <message>
+        <source>&quot;default&quot; is the name of the built-in filter; choose another</source>
+        <translation>„default“ ist der Name des eingebauten Filters; wählen Sie einen anderen</translation>
+    </message>
+    <message>
+        <source>two filters are named &quot;%1&quot;; choose another name</source>
+        <translation>zwei Filter heißen „%1“; wählen Sie einen anderen Namen</translation>
+    </message>
+    <message>
+        <source>the filter &quot;%1&quot; has a stack without conditions: a stack stored without children does not read back as it was, so it is never stored</source>
+        <translation>der Filter „%1“ hat einen Stapel ohne Bedingungen: ein ohne Kinder gespeicherter Stapel wird nicht so zurückgelesen, wie er war, und wird deshalb nie gespeichert</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>Condition</source>
+        <translation>Bedingung</translation>
+    </message>
+    <message>
+        <source>the filter &quot;%1&quot; nests stacks %2 levels deep, deeper than %3 levels</source>
+        <translation>der Filter „%1“ verschachtelt Stapel %2 Ebenen tief, tiefer als %3 Ebenen</translation>
+    </message>
+</context>
+<context>
+    <name>VeskRosterTreeModel</name>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Presence</source>
+        <translation>Anwesenheit</translation>
+    </message>
+    <message>
+        <source>Account</source>
+        <translation>Konto</translation>
+    </message>
+    <message>
+        <source>Description</source>
+        <translation>Beschreibung</translation>
+    </message>
+    <message>
+        <source>Chats</source>
+        <translation>Chats</translation>
+    </message>
+</context>
+<context>
+    <name>VeskRosterWindow</name>
+    <message>
+        <source>%1 (%2/%3)</source>
+        <translation>%1 (%2/%3)</translation>
+    </message>
+    <message>
+        <source>Roster</source>
+        <translation>Kontaktliste</translation>
+    </message>
+    <message>
+        <source>&amp;Filter:</source>
+        <translation>&amp;Filter:</translation>
+    </message>
+    <message>
+        <source>&amp;Sorting:</source>
+        <translation>&amp;Sortierung:</translation>
+    </message>
+    <message>
+        <source>&amp;Roster</source>
+        <translation>&amp;Kontaktliste</translation>
+    </message>
+    <message>
+        <source>&amp;Edit filters...</source>
+        <translation>Filter &amp;bearbeiten …</translation>
+    </message>
+    <message>
+        <source>Ctrl+E</source>
+        <translation>Ctrl+E</translation>
+    </message>
+    <message>
+        <source>Edit s&amp;orting methods...</source>
+        <translation>S&amp;ortiermethoden bearbeiten …</translation>
+    </message>
+    <message>
+        <source>Ctrl+M</source>
+        <translation>Ctrl+M</translation>
+    </message>
+    <message>
+        <source>Simulate &amp;activity</source>
+        <translation>&amp;Aktivität simulieren</translation>
+    </message>
+    <message>
+        <source>Ctrl+T</source>
+        <translation>Ctrl+T</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>Ctrl+Q</source>
+        <translation>Ctrl+Q</translation>
+    </message>
+    <message>
+        <source>default (every entry)</source>
+        <translation>default (jeder Eintrag)</translation>
+    </message>
+    <message>
+        <source>built-in order (presence, name)</source>
+        <translation>eingebaute Reihenfolge (Anwesenheit, Name)</translation>
+    </message>
+    <message>
+        <source>%1 of %2 entries shown</source>
+        <translation>%1 von %2 Einträgen angezeigt</translation>
+    </message>
+</context>
+<context>
+    <name>VeskSorterEditor</name>
+    <message>
+        <source>Sorting methods</source>
+        <translation>Sortiermethoden</translation>
+    </message>
+    <message>
+        <source>&amp;Methods:</source>
+        <translation>&amp;Methoden:</translation>
+    </message>
+    <message>
+        <source>&amp;New method</source>
+        <translation>&amp;Neue Methode</translation>
+    </message>
+    <message>
+        <source>Ctrl+N</source>
+        <translation>Ctrl+N</translation>
+    </message>
+    <message>
+        <source>Remove method</source>
+        <translation>Methode entfernen</translation>
+    </message>
+    <message>
+        <source>Ctrl+Del</source>
+        <translation>Ctrl+Del</translation>
+    </message>
+    <message>
+        <source>Na&amp;me:</source>
+        <translation>Na&amp;me:</translation>
+    </message>
+    <message>
+        <source>&amp;Default method (for filters without one)</source>
+        <translation>&amp;Standardmethode (für Filter ohne eigene)</translation>
+    </message>
+    <message>
+        <source>Com&amp;parators:</source>
+        <translation>&amp;Vergleicher:</translation>
+    </message>
+    <message>
+        <source>The first comparator that tells two entries apart decides; a checked comparator sorts ascending (Space switches).</source>
+        <translation>Der erste Vergleicher, der zwei Einträge unterscheidet, entscheidet; ein angehakter Vergleicher sortiert aufsteigend (Leertaste schaltet um).</translation>
+    </message>
+    <message>
+        <source>&amp;Comparator:</source>
+        <translation>Ver&amp;gleicher:</translation>
+    </message>
+    <message>
+        <source>&amp;Add</source>
+        <translation>&amp;Hinzufügen</translation>
+    </message>
+    <message>
+        <source>Ins</source>
+        <translation>Ins</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>&amp;Entfernen</translation>
+    </message>
+    <message>
+        <source>Move &amp;up</source>
+        <translation>Nach &amp;oben</translation>
+    </message>
+    <message>
+        <source>Ctrl+Up</source>
+        <translation>Ctrl+Up</translation>
+    </message>
+    <message>
+        <source>Move do&amp;wn</source>
+        <translation>Nach &amp;unten</translation>
+    </message>
+    <message>
+        <source>Ctrl+Down</source>
+        <translation>Ctrl+Down</translation>
+    </message>
+    <message>
+        <source>Ctrl+Return</source>
+        <translation>Ctrl+Return</translation>
+    </message>
+    <message>
+        <source>%1, ascending</source>
+        <translation>%1, aufsteigend</translation>
+    </message>
+    <message>
+        <source>%1, descending</source>
+        <translation>%1, absteigend</translation>
+    </message>
+    <message>
+        <source>method %1</source>
+        <translation>Methode %1</translation>
+    </message>
+    <message>
+        <source>a sorting method needs a name</source>
+        <translation>eine Sortiermethode braucht einen Namen</translation>
+    </message>
+    <message>
+        <source>two methods are named &quot;%1&quot;; choose another name</source>
+        <translation>zwei Methoden heißen „%1“; wählen Sie einen anderen Namen</translation>
+    </message>
+</context>
+<context>
+    <name>main</name>
+    <message>
+        <source>The roster window.</source>
+        <translation>Das Fenster der Kontaktliste.</translation>
+    </message>
+    <message>
+        <source>The settings directory (as vesk-roster&apos;s).</source>
+        <translation>Das Einstellungsverzeichnis (wie das von vesk-roster).</translation>
+    </message>
+    <message>
+        <source>DIR</source>
+        <translation>VERZ</translation>
+    </message>
+    <message>
+        <source>The roster file (JSON); the bundled sample without it.</source>
+        <translation>Die Datei der Kontaktliste (JSON); ohne sie das mitgelieferte Beispiel.</translation>
+    </message>
+    <message>
+        <source>FILE</source>
+        <translation>DATEI</translation>
+    </message>
+    <message>
+        <source>cannot read the roster file &quot;%1&quot;: %2</source>
+        <translation>die Kontaktlisten-Datei „%1“ kann nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>the roster: %1</source>
+        <translation>die Kontaktliste: %1</translation>
+    </message>
+    <message>
+        <source>Roster</source>
+        <translation>Kontaktliste</translation>
+    </message>
+    <message>
+        <source>Save pictures of the window and the editors in DIR, then quit.</source>
+        <translation>Bilder des Fensters und der Editoren in VERZ speichern, dann beenden.</translation>
+    </message>
+</context>
+</TS>
