@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -746,6 +747,12 @@ void tst_VeskRoster::unwritableSettingsAreRefusedUpFront()
     QFETCH(QString, message);
     QString dir = settings;
     QStringList wrapper;
+    // Writable again afterwards, or the temporary directory stays behind.
+    const auto restore = qScopeGuard([this] {
+        for (const QString &path : { temp->path(), settings })
+            QFile::setPermissions(
+                path, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    });
     if (place == QLatin1String("read-only")) {
         useFixture();
         // Root writes into any directory: the program then runs as nobody.
@@ -777,8 +784,6 @@ void tst_VeskRoster::unwritableSettingsAreRefusedUpFront()
     const QString before = fingerprint(temp->path());
     const Result result = program(QStringList { QStringLiteral("--settings"), dir } + args,
         QByteArray(), QProcessEnvironment(), wrapper);
-    QFile::setPermissions(
-        settings, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     QCOMPARE(result.status, 2);
     QVERIFY2(result.err.contains(message) && result.err.contains(settings), qPrintable(result.err));
     QCOMPARE(fingerprint(temp->path()), before);
