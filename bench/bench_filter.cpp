@@ -1,6 +1,6 @@
-// Filtering a whole roster: the library's current filter against the
-// hand-written predicate and against a QSortFilterProxyModel, and each leaf kind
-// alone against its hand-written twin.
+// Filtering a whole roster: the library's current filter against the fastest
+// hand-written predicate, the leaf-by-leaf one and a QSortFilterProxyModel,
+// and each leaf kind alone against its hand-written twin.
 
 #include "allocationcounter.h"
 #include "benchmarks.h"
@@ -68,55 +68,6 @@ void timeFilter(
     state.SetItemsProcessed(qint64(state.iterations()) * qint64(entries.size()));
 }
 
-// The filters manager's answer, as the roster view asks for it.
-auto libraryFilter()
-{
-    const VeskRosterFiltersManager *manager = BenchWorld::filtersManager();
-    return [manager](const VeskBuddy &entry) {
-        return manager->filter(entry);
-    };
-}
-
-// The roster of the benchmark's size, once its answers were compared (once per
-// size, outside timing): the ratio means something only if the library and the
-// hand-written predicate give the same answers. Null after an error.
-const std::vector<VeskBuddy> *agreedRoster(benchmark::State &state)
-{
-    static QSet<std::size_t> checked;
-    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
-    if (!roster || checked.contains(roster->size()))
-        return roster;
-    const std::vector<VeskBuddy> &entries = *roster;
-    const qsizetype wrong
-        = firstDisagreement(entries, libraryFilter(), HandWritten::benchmarkFilter);
-    if (wrong >= 0) {
-        state.SkipWithError(
-            QStringLiteral("library and hand-written filter disagree on entry %1 (%2)")
-                .arg(wrong)
-                .arg(entries[std::size_t(wrong)].getDisplay())
-                .toUtf8()
-                .constData());
-        return nullptr;
-    }
-    checked.insert(entries.size());
-    return roster;
-}
-
-void filterWithLibrary(benchmark::State &state)
-{
-    if (const std::vector<VeskBuddy> *roster = agreedRoster(state))
-        timeFilter(state, *roster, libraryFilter());
-}
-
-void filterHandWritten(benchmark::State &state)
-{
-    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
-    if (!roster)
-        return;
-    const std::vector<VeskBuddy> &entries = *roster;
-    timeFilter(state, entries, HandWritten::benchmarkFilter);
-}
-
 // A new proxy for every pass: the time until the proxy knows its row count,
 // which is when a view could show the filtered roster.
 void filterWithProxy(benchmark::State &state)
@@ -126,7 +77,9 @@ void filterWithProxy(benchmark::State &state)
     if (!roster)
         return;
     const std::vector<VeskBuddy> &entries = *roster;
-    const int expected = countPassing(entries, HandWritten::benchmarkFilter);
+    const HandWritten::FilterParameters parameters = BenchWorld::filterCases().first().parameters;
+    const int expected = countPassing(entries,
+        [&](const VeskBuddy &entry) { return HandWritten::fastestFilter(entry, parameters); });
     int rows = 0;
     for (auto _ : state) {
         auto proxy = std::make_unique<RosterFilterProxy>();
@@ -257,50 +210,84 @@ void leafHandWritten(benchmark::State &state, const LeafCase &leafCase)
         state, *roster, [&](const VeskBuddy &entry) { return hand(entry, value, positive); });
 }
 
-void filterPaired(benchmark::State &state)
+// One filter of each selectivity: the library, the fastest hand-written
+// predicate and the leaf-by-leaf one, checked equal on every entry, then timed
+// back to back in every iteration, in an order that rotates so that none of
+// them always runs on caches the one before warmed.
+void filterPaired(benchmark::State &state, const BenchWorld::FilterCase &filterCase)
 {
-    const std::vector<VeskBuddy> *roster = agreedRoster(state);
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
     if (!roster)
         return;
     const std::vector<VeskBuddy> &entries = *roster;
-    const auto library = libraryFilter();
-    double librarySeconds = 0;
-    double handSeconds = 0;
+    const VeskRosterFiltersManager *manager = BenchWorld::filtersManager(filterCase.stackName);
+    const HandWritten::FilterParameters parameters = filterCase.parameters;
+    const auto library = [manager](const VeskBuddy &entry) {
+        return manager->filter(entry);
+    };
+    const auto fastest = [&parameters](const VeskBuddy &entry) {
+        return HandWritten::fastestFilter(entry, parameters);
+    };
+    const auto leafByLeaf = [&parameters](const VeskBuddy &entry) {
+        return HandWritten::leafByLeafFilter(entry, parameters);
+    };
+    for (const qsizetype wrong : { firstDisagreement(entries, library, fastest),
+             firstDisagreement(entries, fastest, leafByLeaf) }) {
+        if (wrong >= 0) {
+            state.SkipWithError(QStringLiteral(
+                "the library and the hand-written predicates disagree on entry %1 (%2)")
+                                    .arg(wrong)
+                                    .arg(entries[std::size_t(wrong)].getDisplay())
+                                    .toUtf8()
+                                    .constData());
+            return;
+        }
+    }
+    state.counters["library_allocs_per_call"] = allocationsPerCall(entries, library);
+    state.counters["fastest_allocs_per_call"] = allocationsPerCall(entries, fastest);
+
+    double seconds[3] = { 0, 0, 0 };
+    int passed[3] = { 0, 0, 0 };
+    int turn = 0;
     for (auto _ : state) {
-        const double start = threadCpuSeconds();
-        benchmark::DoNotOptimize(countPassing(entries, library));
-        const double middle = threadCpuSeconds();
-        benchmark::DoNotOptimize(countPassing(entries, HandWritten::benchmarkFilter));
-        handSeconds += threadCpuSeconds() - middle;
-        librarySeconds += middle - start;
+        for (int k = 0; k < 3; ++k) {
+            const int which = (turn + k) % 3;
+            const double start = threadCpuSeconds();
+            passed[which] = which == 0 ? countPassing(entries, library)
+                : which == 1           ? countPassing(entries, fastest)
+                                       : countPassing(entries, leafByLeaf);
+            seconds[which] += threadCpuSeconds() - start;
+            benchmark::DoNotOptimize(passed[which]);
+        }
+        ++turn;
     }
     const double calls = double(state.iterations()) * double(entries.size());
-    state.counters["library_ns"] = librarySeconds * 1e9 / calls;
-    state.counters["hand_ns"] = handSeconds * 1e9 / calls;
-    state.counters["library_per_hand"] = librarySeconds / handSeconds;
+    state.counters["entries"] = double(entries.size());
+    state.counters["passed"] = passed[0];
+    state.counters["library_ns"] = seconds[0] * 1e9 / calls;
+    state.counters["fastest_ns"] = seconds[1] * 1e9 / calls;
+    state.counters["leaf_ns"] = seconds[2] * 1e9 / calls;
+    state.counters["library_per_fastest"] = seconds[0] / seconds[1];
+    state.counters["library_per_leaf"] = seconds[0] / seconds[2];
 }
 
 } // namespace
 
-void registerPairedFilterBenchmark(int contacts)
+void registerPairedFilterBenchmarks(int contacts)
 {
-    benchmark::RegisterBenchmark("Paired/Filter", filterPaired)
-        ->Arg(contacts)
-        ->MinTime(2.0)
-        ->Unit(benchmark::kMillisecond);
+    for (const BenchWorld::FilterCase &filterCase : BenchWorld::filterCases()) {
+        benchmark::RegisterBenchmark(
+            (std::string("Paired/Filter/") + filterCase.label).c_str(), filterPaired, filterCase)
+            ->Arg(contacts)
+            ->MinTime(0.4)
+            ->Repetitions(3)
+            ->Unit(benchmark::kMillisecond);
+    }
 }
 
 void registerFilterBenchmarks(int contacts)
 {
     const int repetitions = contacts >= 1000000 ? 1 : 3;
-    benchmark::RegisterBenchmark("Filter/Library", filterWithLibrary)
-        ->Arg(contacts)
-        ->Repetitions(repetitions)
-        ->Unit(benchmark::kMicrosecond);
-    benchmark::RegisterBenchmark("Filter/HandWritten", filterHandWritten)
-        ->Arg(contacts)
-        ->Repetitions(repetitions)
-        ->Unit(benchmark::kMicrosecond);
     benchmark::RegisterBenchmark("Filter/Proxy", filterWithProxy)
         ->Arg(contacts)
         ->Repetitions(repetitions)

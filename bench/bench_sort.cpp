@@ -32,13 +32,14 @@ struct Method
     bool (*hand)(const VeskBuddy &, const VeskBuddy &);
     int (*rank)(const VeskBuddy &); // first key of the proxy and of the collation keys
     int rankRole;
+    QVector<int> (*byKeys)(const QVector<VeskBuddy> &); // a whole list at once
 };
 
 const Method methods[] = {
     { "PresenceName", "presence_name", HandWritten::presenceThenName, RosterItemModel::presenceRank,
-        RosterItemModel::PresenceRankRole },
+        RosterItemModel::PresenceRankRole, HandWritten::presenceThenNameByKeys },
     { "ChatsName", "chats_name", HandWritten::chatsThenName, RosterItemModel::chatsRank,
-        RosterItemModel::ChatsRankRole },
+        RosterItemModel::ChatsRankRole, HandWritten::chatsThenNameByKeys },
 };
 
 // Every entry against its neighbour and against an entry far away, in both
@@ -231,7 +232,93 @@ void sortPaired(benchmark::State &state, const Method &method)
     state.counters["library_per_proxy"] = librarySeconds / proxySeconds;
 }
 
+// The contacts and temporary contacts of the roster as one list: what a view
+// sorts together, and a list on which lessThan is a strict weak order.
+const QVector<VeskBuddy> &membersOf(const std::vector<VeskBuddy> &entries)
+{
+    static QVector<VeskBuddy> members;
+    static std::size_t from = 0;
+    if (from != entries.size()) {
+        members.clear();
+        for (const VeskBuddy &entry : entries) {
+            if (entry.getType() == VeskBuddy::TypeContact
+                || entry.getType() == VeskBuddy::TypeTemporary)
+                members.append(entry);
+        }
+        from = entries.size();
+    }
+    return members;
+}
+
+QVector<int> stableOrderOfLessThan(
+    const VeskRosterSortersManager *sorters, const QVector<VeskBuddy> &list)
+{
+    QVector<int> order(list.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(),
+        [&](int a, int b) { return sorters->lessThan(list.at(a), list.at(b)); });
+    return order;
+}
+
+// Sorting a whole list at once: the sorters manager's sortedOrder, the
+// hand-written sort over collation keys (key building included on both
+// sides) and, up to 100,000 contacts, std::stable_sort with lessThan. The three
+// orders are checked equal first. The order of the three rotates.
+void bulkSortPaired(benchmark::State &state, const Method &method)
+{
+    const std::vector<VeskBuddy> *roster = BenchRoster::load(state);
+    if (!roster)
+        return;
+    const QVector<VeskBuddy> &list = membersOf(*roster);
+    const VeskRosterSortersManager *sorters
+        = BenchWorld::sortersManager(QString::fromLatin1(method.methodName));
+    const QVector<int> expected = stableOrderOfLessThan(sorters, list);
+    if (sorters->sortedOrder(list) != expected || method.byKeys(list) != expected) {
+        state.SkipWithError(
+            "the bulk sort, the hand-written key sort and lessThan give different orders");
+        return;
+    }
+    const bool withLessThan = state.range(0) <= 100000;
+    double seconds[3] = { 0, 0, 0 };
+    int turn = 0;
+    for (auto _ : state) {
+        for (int k = 0; k < 3; ++k) {
+            const int which = (turn + k) % 3;
+            if (which == 2 && !withLessThan)
+                continue;
+            const double start = threadCpuSeconds();
+            const QVector<int> order = which == 0 ? sorters->sortedOrder(list)
+                : which == 1                      ? method.byKeys(list)
+                                                  : stableOrderOfLessThan(sorters, list);
+            seconds[which] += threadCpuSeconds() - start;
+            benchmark::DoNotOptimize(order.constData());
+        }
+        ++turn;
+    }
+    const double sorts = double(state.iterations());
+    state.counters["entries"] = double(list.size());
+    state.counters["bulk_ms"] = seconds[0] * 1e3 / sorts;
+    state.counters["keys_ms"] = seconds[1] * 1e3 / sorts;
+    state.counters["bulk_per_keys"] = seconds[0] / seconds[1];
+    if (withLessThan) {
+        state.counters["less_ms"] = seconds[2] * 1e3 / sorts;
+        state.counters["less_per_bulk"] = seconds[2] / seconds[0];
+    }
+}
+
 } // namespace
+
+void registerBulkSortBenchmarks(int contacts)
+{
+    for (const Method &method : methods) {
+        benchmark::RegisterBenchmark(
+            (std::string("Paired/BulkSort/") + method.benchmarkName).c_str(), bulkSortPaired,
+            method)
+            ->Arg(contacts)
+            ->Iterations(contacts >= 1000000 ? 3 : 5)
+            ->Unit(benchmark::kMillisecond);
+    }
+}
 
 void registerPairedSortBenchmarks(int contacts)
 {

@@ -9,7 +9,9 @@ void registerSortBenchmarks(int contacts);
 // The target ratios, measured in pairs: every iteration runs the library and
 // its rivals back to back, so that a load that comes and goes on a shared
 // machine falls on both sides alike.
-void registerPairedFilterBenchmark(int contacts);
+void registerPairedFilterBenchmarks(int contacts);
 void registerPairedSortBenchmarks(int contacts);
+// Sorting a whole list at once against a hand-written sort over collation keys.
+void registerBulkSortBenchmarks(int contacts);
 void registerStartUpBenchmarks();
 void registerSaveBenchmarks();

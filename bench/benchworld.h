@@ -1,5 +1,7 @@
 #pragma once
 
+#include "handwritten.h"
+
 #include <veskfield.h>
 
 #include <QList>
@@ -17,14 +19,25 @@ namespace BenchWorld {
 // Call once, after the application object exists and before any benchmark.
 void init();
 
+// The filters the filter benchmarks make current, one per selectivity, all
+// of one shape (HandWritten::FilterParameters); stored under their stack names.
+struct FilterCase
+{
+    const char *label; // "3%": about that share of the entries passes
+    QString stackName;
+    HandWritten::FilterParameters parameters;
+};
+const QList<FilterCase> &filterCases();
+
 // The settings directory of the filter and sorting benchmarks.
 QString mainSettingsDir();
 // A fresh directory for benchmarks that need settings of their own.
 QString scratchDir(const QString &name);
 
-// The filters manager with the benchmarks' filter current, created again on the
-// main settings directory when a benchmark dropped it.
-VeskRosterFiltersManager *filtersManager();
+// The filters manager with a benchmark filter current ("bench" unless another
+// stack name is given), created again on the main settings directory when a
+// benchmark dropped it.
+VeskRosterFiltersManager *filtersManager(const QString &stackName = QStringLiteral("bench"));
 // Makes "presence_name" or "chats_name" the current sorting method.
 VeskRosterSortersManager *sortersManager(const QString &method);
 // Deletes both managers and every filter the filters manager holds, as a host

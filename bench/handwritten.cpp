@@ -3,6 +3,12 @@
 #include <veskaccount.h>
 #include <veskbuddy.h>
 
+#include <QCollator>
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
 namespace {
 
 bool isContactOrTemporary(int type)
@@ -106,17 +112,25 @@ int nameValue(const VeskBuddy &a, const VeskBuddy &b)
 
 } // namespace
 
-bool HandWritten::benchmarkFilter(const VeskBuddy &buddy)
+bool HandWritten::fastestFilter(const VeskBuddy &buddy, const FilterParameters &parameters)
 {
-    if (!buddy.getDisplay().contains(QLatin1String("an")))
+    if (!buddy.getDisplay().contains(parameters.text))
         return false;
     const int type = buddy.getType();
     if (!isContactOrTemporary(type))
-        return false;
+        return false; // no presence: neither presence test passes
     const QString presence = presenceOf(buddy, type).getId();
-    if (presence != QLatin1String("online") && presence != QLatin1String("away"))
+    if (presence != parameters.presence1 && presence != parameters.presence2)
         return false;
-    return groupNameOf(buddy, type) != QLatin1String("Blocked");
+    return groupNameOf(buddy, type) != parameters.group;
+}
+
+bool HandWritten::leafByLeafFilter(const VeskBuddy &buddy, const FilterParameters &parameters)
+{
+    return displayContains(buddy, parameters.text, true)
+        && (presenceIs(buddy, parameters.presence1, true)
+            || presenceIs(buddy, parameters.presence2, true))
+        && groupIs(buddy, parameters.group, false);
 }
 
 bool HandWritten::displayContains(const VeskBuddy &buddy, const QString &text, bool)
@@ -178,4 +192,56 @@ bool HandWritten::chatsThenName(const VeskBuddy &a, const VeskBuddy &b)
     if (const int chats = chatsCountOf(b) - chatsCountOf(a))
         return chats < 0;
     return nameValue(a, b) < 0;
+}
+
+namespace {
+
+// Ranks ascending, then collation keys ascending (A to Z), stably.
+QVector<int> byRankThenKey(const QVector<VeskBuddy> &entries, int (*rankOf)(const VeskBuddy &))
+{
+    const QCollator collator;
+    std::vector<int> ranks;
+    std::vector<QCollatorSortKey> keys;
+    ranks.reserve(std::size_t(entries.size()));
+    keys.reserve(std::size_t(entries.size()));
+    for (const VeskBuddy &entry : entries) {
+        ranks.push_back(rankOf(entry));
+        keys.push_back(collator.sortKey(entry.getDisplay().toLower()));
+    }
+    QVector<int> order(entries.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
+        if (ranks[std::size_t(a)] != ranks[std::size_t(b)])
+            return ranks[std::size_t(a)] < ranks[std::size_t(b)];
+        return keys[std::size_t(a)].compare(keys[std::size_t(b)]) < 0;
+    });
+    return order;
+}
+
+// Flag 5 last; then the highest subscription priority first (temporary: 0).
+int presenceRank(const VeskBuddy &buddy)
+{
+    const int type = buddy.getType();
+    const bool five = presenceOf(buddy, type).getFlag() == 5;
+    const int subscription = type == VeskBuddy::TypeContact
+        ? VeskBuddyContact(buddy).getSubscription().getPriority()
+        : 0;
+    return (five ? 1 << 16 : 0) - subscription;
+}
+
+int chatsRank(const VeskBuddy &buddy)
+{
+    return -chatsCountOf(buddy);
+}
+
+} // namespace
+
+QVector<int> HandWritten::presenceThenNameByKeys(const QVector<VeskBuddy> &entries)
+{
+    return byRankThenKey(entries, presenceRank);
+}
+
+QVector<int> HandWritten::chatsThenNameByKeys(const QVector<VeskBuddy> &entries)
+{
+    return byRankThenKey(entries, chatsRank);
 }

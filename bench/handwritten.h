@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QVector>
 
 class VeskBuddy;
 
@@ -10,9 +11,20 @@ class VeskBuddy;
 // the same host operations: the limit the library is measured against.
 namespace HandWritten VESK_BENCH_HANDWRITTEN_EXPORT {
 
-// AND[display contains "an", OR[presence is "online", presence is "away"],
-// group is not "Blocked"]: the benchmarks' current filter.
-bool benchmarkFilter(const VeskBuddy &buddy);
+// The shape of the benchmarks' filters: AND[display contains `text`,
+// OR[presence is `presence1`, presence is `presence2`], group is not `group`].
+struct FilterParameters
+{
+    QString text;
+    QString presence1;
+    QString presence2;
+    QString group;
+};
+// The fastest predicate a person would write for that condition: each piece
+// of the entry read once, the presence once for both presence tests.
+bool fastestFilter(const VeskBuddy &buddy, const FilterParameters &parameters);
+// The same checks made leaf by leaf, each leaf reading what it needs itself.
+bool leafByLeafFilter(const VeskBuddy &buddy, const FilterParameters &parameters);
 
 // The six leaf conditions the leaf benchmarks configure, one signature for all:
 // "is" (positive) or "is not" a value; the text leaves test "contains" and
@@ -31,5 +43,12 @@ bool protocolIs(const VeskBuddy &buddy, const QString &protocolName, bool positi
 // first, most chats first, names in alphabetical order.
 bool presenceThenName(const VeskBuddy &a, const VeskBuddy &b);
 bool chatsThenName(const VeskBuddy &a, const VeskBuddy &b);
+
+// The same two methods for a whole list of contacts and temporary contacts at
+// once, as a person would write it: a rank and a collation key of the lowered
+// name per entry, built once, then a stable sort of indices. The order of
+// std::stable_sort with the comparators above.
+QVector<int> presenceThenNameByKeys(const QVector<VeskBuddy> &entries);
+QVector<int> chatsThenNameByKeys(const QVector<VeskBuddy> &entries);
 
 } // namespace VESK_BENCH_HANDWRITTEN_EXPORT

@@ -14,12 +14,16 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     BenchWorld::init();
 
-    for (const int contacts : { 1000, 10000, 100000, 1000000 }) {
+    for (const int contacts : { 1000, 3000, 10000, 30000, 100000, 1000000 }) {
+        registerPairedFilterBenchmarks(contacts);
+        if (contacts == 3000 || contacts == 30000)
+            continue;
         registerFilterBenchmarks(contacts);
         registerSortBenchmarks(contacts);
+        if (contacts >= 10000)
+            registerBulkSortBenchmarks(contacts);
         if (contacts == 100000) {
             registerLeafBenchmarks(contacts);
-            registerPairedFilterBenchmark(contacts);
             registerPairedSortBenchmarks(contacts);
         }
     }

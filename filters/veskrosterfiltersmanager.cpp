@@ -1,5 +1,7 @@
 #include "veskrosterfiltersmanager.h"
 
+#include "veskfilterplan_p.h"
+
 #include "veskaccountfilter.h"
 #include "veskdefaultfilter.h"
 #include "veskdescriptionfilter.h"
@@ -19,8 +21,18 @@
 #include <QSet>
 
 #include <algorithm>
+#include <typeinfo>
 
 namespace {
+
+// A stack of exactly this class: the manager may walk it without asking
+// filter() (the default filter and a host's subclass answer otherwise).
+const VeskRosterFiltersStack *plainStack(const VeskRosterFilter *filter)
+{
+    return filter && typeid(*filter) == typeid(VeskRosterFiltersStack)
+        ? static_cast<const VeskRosterFiltersStack *>(filter)
+        : nullptr;
+}
 
 const QLatin1String defaultId("default");
 
@@ -53,6 +65,7 @@ VeskRosterFiltersManager *VeskRosterFiltersManager::getInstance()
 
 VeskRosterFiltersManager::VeskRosterFiltersManager()
     : current(nullptr)
+    , currentStack(nullptr)
 {
     static const struct
     {
@@ -79,6 +92,8 @@ VeskRosterFiltersManager::~VeskRosterFiltersManager()
 
 bool VeskRosterFiltersManager::filter(const VeskBuddy &buddy) const
 {
+    if (currentStack)
+        return currentStack->walk(buddy);
     return !current || current->filter(buddy);
 }
 
@@ -99,6 +114,7 @@ void VeskRosterFiltersManager::setCurrentFilter(const QString &id)
         return;
     // The sorters manager reads the current filter back, so it is set first.
     current = filter;
+    currentStack = plainStack(filter);
     VeskSettingsManagerPrivate::settingsMgrPrivInstance->writeGlobalSetting(currentFilterField(id));
     VeskRosterSortersManager::getInstance()->setCurrentSorter(filter->getSorter());
 }
@@ -242,8 +258,10 @@ void VeskRosterFiltersManager::removeStackFilter(const QString &id)
         return;
     const auto it = stacks.constFind(id);
     if (it != stacks.cend()) {
-        if (it.value() == current)
+        if (it.value() == current) {
             current = stacks.value(defaultId);
+            currentStack = plainStack(current);
+        }
         stacks.erase(it);
     }
     order.removeAll(id);

@@ -34,8 +34,8 @@ public:
     QString getFilterId(const QString &kindName) const;
 
     VeskRosterFilter *createFilter(const QString &kindId, VeskRosterFilter::RosterFilterType type);
-    VeskRosterFiltersStack *addStackFilter(const QString &name,
-                                           VeskRosterFilter::RosterFilterType type);
+    VeskRosterFiltersStack *addStackFilter(
+        const QString &name, VeskRosterFilter::RosterFilterType type);
     VeskRosterFiltersStack *getStackFilter(const QString &id);
     void rename(const QString &oldId, const QString &newId);
     void removeStackFilter(const QString &id);
@@ -49,4 +49,6 @@ private:
     QStringList order;
     QHash<QString, QString> filterNames;
     VeskRosterFilter *current;
+    // `current` when it is a plain stack, which filter() walks directly.
+    const VeskRosterFiltersStack *currentStack;
 };

@@ -1,5 +1,6 @@
 #include "veskrosterfiltersstack.h"
 
+#include "veskfilterplan_p.h"
 #include "veskrosterfiltersmanager.h"
 #include "veskstackfile_p.h"
 
@@ -27,6 +28,10 @@ VeskRosterFiltersStack::VeskRosterFiltersStack(
     : stackName(name)
     , type(type)
     , advanced(false)
+    , plan(nullptr)
+    , walks(0)
+    , retired(nullptr)
+    , reading(false)
 {
     readFilterSettings();
 }
@@ -34,6 +39,8 @@ VeskRosterFiltersStack::VeskRosterFiltersStack(
 VeskRosterFiltersStack::~VeskRosterFiltersStack()
 {
     qDeleteAll(filters);
+    delete plan;
+    releaseRetired();
 }
 
 VeskRosterFilter::RosterFilterType VeskRosterFiltersStack::getType() const
@@ -84,26 +91,34 @@ QString VeskRosterFiltersStack::display() const
 
 bool VeskRosterFiltersStack::filter(const VeskBuddy &buddy) const
 {
-    // A snapshot: a child may not change this list while it is being walked.
-    const QList<VeskRosterFilter *> children = filters;
-    switch (type) {
-    case RosterFilterAnd:
-        for (const VeskRosterFilter *child : children) {
-            if (!child->filter(buddy))
-                return false;
-        }
-        return true;
-    case RosterFilterOr:
-        if (children.isEmpty())
-            return true;
-        for (const VeskRosterFilter *child : children) {
-            if (child->filter(buddy))
-                return true;
-        }
-        return false;
-    default:
-        return false;
+    // AND stops at the first child that refuses, OR at the first that passes
+    // (and an empty OR passes); any other type refuses. The plan holds the
+    // tree as it stood when the walk began: a filter of the host's that
+    // changes the tree while it is asked changes the next walk, not this one.
+    return walk(buddy);
+}
+
+void VeskRosterFiltersStack::releaseRetired() const
+{
+    while (VeskFilterPlan *old = retired) {
+        retired = old->nextRetired;
+        delete old;
     }
+}
+
+void VeskRosterFiltersStack::prepare()
+{
+    VeskFilterPlan *fresh = new VeskFilterPlan(*this);
+    if (walks > 0) {
+        plan->nextRetired = retired;
+        retired = plan;
+    } else {
+        delete plan;
+    }
+    plan = fresh;
+    auto *parentStack = dynamic_cast<VeskRosterFiltersStack *>(getParent());
+    if (parentStack && !parentStack->reading)
+        parentStack->prepare();
 }
 
 void VeskRosterFiltersStack::setName(const QString &name)
@@ -124,12 +139,15 @@ void VeskRosterFiltersStack::appendFilter(VeskRosterFilter *filter)
     }
     filter->setParent(this);
     filters.append(filter);
+    prepare();
 }
 
 void VeskRosterFiltersStack::removeFilter(VeskRosterFilter *filter)
 {
-    if (filters.removeAll(filter) > 0)
+    if (filters.removeAll(filter) > 0) {
         filter->setParent(nullptr);
+        prepare();
+    }
 }
 
 QList<VeskRosterFilter *> VeskRosterFiltersStack::getFilters() const
@@ -148,6 +166,14 @@ bool VeskRosterFiltersStack::isAdvancedMode() const
 }
 
 void VeskRosterFiltersStack::readFilterSettings()
+{
+    reading = true;
+    readChildren();
+    reading = false;
+    prepare();
+}
+
+void VeskRosterFiltersStack::readChildren()
 {
     const QList<VeskRosterFilter *> old = filters;
     filters.clear();

@@ -4,23 +4,9 @@
 
 #include <veskaccount.h>
 
+#include <veskfilterplan_p.h>
+
 #include <QCoreApplication>
-
-namespace {
-
-// Whether identity is uid + "@" + protocol, compared piecewise so that the
-// roster view's per-entry call builds no string.
-bool isIdentityOf(const QString &identity, const VeskAccountConnection &account)
-{
-    const QString uid = account.getUid();
-    const QString protocol = account.getProtocolName();
-    return identity.size() == uid.size() + 1 + protocol.size()
-        && identity.startsWith(uid, Qt::CaseSensitive)
-        && identity.at(uid.size()) == QLatin1Char('@')
-        && identity.endsWith(protocol, Qt::CaseSensitive);
-}
-
-} // namespace
 
 VeskAccountFilter::VeskAccountFilter()
     : positive(true)
@@ -55,7 +41,9 @@ bool VeskAccountFilter::filter(const VeskBuddy &buddy) const
     const VeskAccountConnection *account = VeskChoiceCondition::accountOf(buddy);
     if (!account)
         return !positive;
-    return VeskChoiceCondition::decide(isIdentityOf(accountId, *account), positive);
+    return VeskChoiceCondition::decide(VeskChoiceCondition::isAccountIdentity(accountId,
+                                           account->getUid(), account->getProtocolName()),
+        positive);
 }
 
 QList<VeskField> VeskAccountFilter::getConfiguration() const
@@ -69,4 +57,5 @@ QList<VeskField> VeskAccountFilter::getConfiguration() const
 void VeskAccountFilter::setConfiguration(const QList<VeskField> &fields)
 {
     VeskChoiceCondition::read(fields, &accountId, &positive, &conditionLabel);
+    VeskFilterPlan::conditionChanged(this);
 }

@@ -20,6 +20,8 @@ public:
     void setConfiguration(const QList<VeskField> &fields) override;
 
 private:
+    friend class VeskFilterPlan; // prepares the stacks' walks from the condition
+
     QString accountId;
     bool positive;
     QString conditionLabel;

@@ -35,6 +35,16 @@ QList<VeskField> configuration(bool positive, const QString &valueFieldId, const
 // for any other entry and for an entry without an account.
 VeskAccountConnection *accountOf(const VeskBuddy &buddy);
 
+// Whether identity is uid + "@" + protocol, compared piece by piece so that
+// the roster view's per-entry call builds no string.
+inline bool isAccountIdentity(const QString &identity, const QString &uid, const QString &protocol)
+{
+    return identity.size() == uid.size() + 1 + protocol.size()
+        && identity.startsWith(uid, Qt::CaseSensitive)
+        && identity.at(uid.size()) == QLatin1Char('@')
+        && identity.endsWith(protocol, Qt::CaseSensitive);
+}
+
 // The distinct texts that the user's accounts give, in no particular order.
 enum AccountText { AccountIdentity, ProtocolName };
 QStringList distinctAccountTexts(AccountText what);

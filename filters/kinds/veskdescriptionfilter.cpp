@@ -5,6 +5,8 @@
 
 #include <veskbuddy.h>
 
+#include <veskfilterplan_p.h>
+
 #include <QCoreApplication>
 
 namespace {
@@ -54,4 +56,5 @@ void VeskDescriptionFilter::setConfiguration(const QList<VeskField> &fields)
 {
     VeskTextCondition::read(fields, textFieldId, &conditionId, &text);
     VeskTextCondition::compile(conditionId, text, true, &matchMode, &matchText);
+    VeskFilterPlan::conditionChanged(this);
 }

@@ -4,6 +4,8 @@
 
 #include <veskbuddy.h>
 
+#include <veskfilterplan_p.h>
+
 #include <QCoreApplication>
 
 namespace {
@@ -50,4 +52,5 @@ void VeskDisplayFilter::setConfiguration(const QList<VeskField> &fields)
 {
     VeskTextCondition::read(fields, textFieldId, &conditionId, &text);
     VeskTextCondition::compile(conditionId, text, false, &matchMode, &matchText);
+    VeskFilterPlan::conditionChanged(this);
 }

@@ -19,6 +19,8 @@ public:
     void setConfiguration(const QList<VeskField> &fields) override;
 
 private:
+    friend class VeskFilterPlan; // prepares the stacks' walks from the condition
+
     QString text;
     QString conditionId;
     // What filter() tests, as the last known condition compiled it: a

@@ -6,6 +6,8 @@
 #include <veskbuddy.h>
 #include <veskroster.h>
 
+#include <veskfilterplan_p.h>
+
 #include <QCoreApplication>
 
 namespace {
@@ -69,4 +71,5 @@ QList<VeskField> VeskGroupFilter::getConfiguration() const
 void VeskGroupFilter::setConfiguration(const QList<VeskField> &fields)
 {
     VeskChoiceCondition::read(fields, &groupName, &positive, &conditionLabel);
+    VeskFilterPlan::conditionChanged(this);
 }

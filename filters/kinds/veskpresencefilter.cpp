@@ -6,6 +6,8 @@
 #include <veskpresence.h>
 #include <veskprotocol.h>
 
+#include <veskfilterplan_p.h>
+
 #include <QCoreApplication>
 
 VeskPresenceFilter::VeskPresenceFilter()
@@ -80,4 +82,5 @@ QList<VeskField> VeskPresenceFilter::getConfiguration() const
 void VeskPresenceFilter::setConfiguration(const QList<VeskField> &fields)
 {
     VeskChoiceCondition::read(fields, &presenceId, &positive, &conditionLabel, &presenceLabel);
+    VeskFilterPlan::conditionChanged(this);
 }

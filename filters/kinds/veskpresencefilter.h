@@ -17,6 +17,8 @@ public:
     void setConfiguration(const QList<VeskField> &fields) override;
 
 private:
+    friend class VeskFilterPlan; // prepares the stacks' walks from the condition
+
     QString presenceId;
     QString presenceLabel;
     bool positive;

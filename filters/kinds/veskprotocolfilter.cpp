@@ -4,6 +4,8 @@
 
 #include <veskaccount.h>
 
+#include <veskfilterplan_p.h>
+
 #include <QCoreApplication>
 
 VeskProtocolFilter::VeskProtocolFilter()
@@ -53,4 +55,5 @@ QList<VeskField> VeskProtocolFilter::getConfiguration() const
 void VeskProtocolFilter::setConfiguration(const QList<VeskField> &fields)
 {
     VeskChoiceCondition::read(fields, &protocolName, &positive, &conditionLabel);
+    VeskFilterPlan::conditionChanged(this);
 }

@@ -19,6 +19,8 @@ public:
     void setConfiguration(const QList<VeskField> &fields) override;
 
 private:
+    friend class VeskFilterPlan; // prepares the stacks' walks from the condition
+
     QString protocolName;
     bool positive;
     QString conditionLabel;

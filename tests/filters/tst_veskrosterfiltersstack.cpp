@@ -8,6 +8,8 @@
 
 #include <QtTest>
 
+#include <memory>
+
 namespace {
 
 using Type = VeskRosterFilter::RosterFilterType;
@@ -46,6 +48,31 @@ public:
     mutable int asked = 0;
 };
 
+// A filter of the host's that, asked for the first time, takes the stack's
+// last child out and appends another.
+class EditingFilter : public ProbeFilter
+{
+public:
+    EditingFilter(VeskRosterFiltersStack *stack, VeskRosterFilter *replacement)
+        : ProbeFilter(false)
+        , stack(stack)
+        , replacement(replacement)
+    { }
+    bool filter(const VeskBuddy &buddy) const override
+    {
+        if (replacement) {
+            removed.reset(stack->getFilters().last());
+            stack->removeFilter(removed.get());
+            stack->appendFilter(std::exchange(replacement, nullptr));
+        }
+        return ProbeFilter::filter(buddy);
+    }
+
+    VeskRosterFiltersStack *stack;
+    mutable VeskRosterFilter *replacement;
+    mutable std::unique_ptr<VeskRosterFilter> removed;
+};
+
 VeskRosterFiltersStack *stackOf(Type type, const QList<VeskRosterFilter *> &children)
 {
     auto *stack = new VeskRosterFiltersStack(QString(), type);
@@ -68,6 +95,7 @@ private slots:
 
     void evaluationAsksChildrenOnlyUntilTheAnswerIsKnown_data();
     void evaluationAsksChildrenOnlyUntilTheAnswerIsKnown();
+    void aChangeDuringAWalkTakesEffectAtTheNextWalk();
     void displayJoinsChildTextsInParentheses();
     void removingAndDestroyingKeepOwnershipExact();
     void appendFilterRefusesWhatWouldBreakOwnership();
@@ -107,6 +135,27 @@ void tst_VeskRosterFiltersStack::evaluationAsksChildrenOnlyUntilTheAnswerIsKnown
     for (const ProbeFilter *probe : qAsConst(probes))
         result += QString::number(probe->asked);
     QTEST(result, "expected");
+}
+
+void tst_VeskRosterFiltersStack::aChangeDuringAWalkTakesEffectAtTheNextWalk()
+{
+    // OR[editor, passing] becomes OR[editor, refusing] while the first walk
+    // asks the editor: that walk still asks `passing`, the next `refusing`.
+    VeskRosterFiltersStack stack(QString(), OR);
+    auto *refusing = new ProbeFilter(false);
+    auto *passing = new ProbeFilter(true);
+    auto *editor = new EditingFilter(&stack, refusing);
+    stack.appendFilter(editor);
+    stack.appendFilter(passing);
+    const VeskBuddy entry = VeskStandIn::addContact({});
+    QString walks;
+    for (int walk = 0; walk < 2; ++walk) {
+        const bool passes = stack.filter(entry);
+        walks += QLatin1String(passes ? "1:" : "0:") + QString::number(passing->asked)
+            + QString::number(refusing->asked) + u' ';
+    }
+    QCOMPARE(walks, QStringLiteral("1:10 0:11 "));
+    QCOMPARE(stack.getFilters(), (QList<VeskRosterFilter *> { editor, refusing }));
 }
 
 void tst_VeskRosterFiltersStack::displayJoinsChildTextsInParentheses()
