@@ -604,6 +604,20 @@ int main(int argc, char **argv)
         }
     }
 
+    // bench/run-load.sh keeps its section of the results between markers;
+    // it measures other builds, so it survives this rewrite as it stands.
+    {
+        QFile previous(args.at(2));
+        const QString kept = previous.open(QIODevice::ReadOnly)
+            ? QString::fromUtf8(previous.readAll())
+            : QString();
+        const int from = kept.indexOf(QLatin1String("<!-- roster-load -->"));
+        const QLatin1String endMarker("<!-- /roster-load -->");
+        const int to = kept.indexOf(endMarker);
+        if (from >= 0 && to > from)
+            out << '\n' << kept.mid(from, to - from + endMarker.size()) << '\n';
+    }
+
     // What a run cannot measure by itself (figures before a change, whole
     // program runs) is kept by hand in NOTES.md beside the results.
     QFile notes(QFileInfo(args.at(2)).dir().filePath(QStringLiteral("NOTES.md")));

@@ -14,7 +14,7 @@ set -euo pipefail
 FUZZ_DIR=$(cd "$(dirname "$0")" && pwd)
 ROOT=$(dirname "$FUZZ_DIR")
 BUILD=${VESK_FUZZ_BUILD_DIR:-$ROOT/build/fuzz}
-TARGETS=(fuzz_stackfile fuzz_fields)
+TARGETS=(fuzz_stackfile fuzz_fields fuzz_rosterfile)
 export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$ROOT}
 
 mode=long
@@ -44,8 +44,8 @@ artifacts="$BUILD/artifacts"
 mkdir -p "$artifacts"
 
 # Per target: dictionary and the largest input worth generating.
-declare -A DICT=([fuzz_stackfile]=stackfile.dict [fuzz_fields]=fields.dict)
-declare -A MAXLEN=([fuzz_stackfile]=16384 [fuzz_fields]=4096)
+declare -A DICT=([fuzz_stackfile]=stackfile.dict [fuzz_fields]=fields.dict [fuzz_rosterfile]=rosterfile.dict)
+declare -A MAXLEN=([fuzz_stackfile]=16384 [fuzz_fields]=4096 [fuzz_rosterfile]=16384)
 
 status=0
 for target in "${TARGETS[@]}"; do

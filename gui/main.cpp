@@ -3,6 +3,7 @@
 #include "rosterlibrary.h"
 #include "sortereditor.h"
 
+#include <librarysession.h>
 #include <rosterfile.h>
 
 #include <QApplication>
@@ -16,14 +17,6 @@
 #include <QTreeWidget>
 
 namespace {
-
-// The same directory as vesk-roster's, so that both work on one profile.
-QString defaultSettingsDir()
-{
-    const QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
-    const QString base = config.isEmpty() ? QDir::homePath() + QLatin1String("/.config") : config;
-    return base + QLatin1String("/vesk-roster/");
-}
 
 void installTranslations(QApplication &app)
 {
@@ -88,7 +81,7 @@ int main(int argc, char *argv[])
     parser.addHelpOption();
     const QCommandLineOption settings(QStringLiteral("settings"),
         QCoreApplication::translate("main", "The settings directory (as vesk-roster's)."),
-        QCoreApplication::translate("main", "DIR"), defaultSettingsDir());
+        QCoreApplication::translate("main", "DIR"));
     const QCommandLineOption roster(QStringLiteral("roster"),
         QCoreApplication::translate(
             "main", "The roster file (JSON); the bundled sample without it."),
@@ -114,7 +107,11 @@ int main(int argc, char *argv[])
     }
     if (error.isEmpty() && !VeskRosterFile::load(document, &error))
         error = QCoreApplication::translate("main", "the roster: %1").arg(error);
-    VeskRosterLibrary library(parser.value(settings));
+    // The same place as vesk-roster's, so that both work on one profile.
+    const QString settingsDir = parser.isSet(settings)
+        ? parser.value(settings)
+        : (error.isEmpty() ? VeskLibrarySession::defaultSettingsDir(&error) : QString());
+    VeskRosterLibrary library(settingsDir);
     if (error.isEmpty())
         library.open(&error);
     if (!error.isEmpty()) {

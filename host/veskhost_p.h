@@ -12,11 +12,39 @@
 #include <QStringList>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 class VeskAccountConnection;
 class VeskBuddy;
 class VeskProtocol;
+
+// A contact's attributes by name. A contact has a handful at most: a list
+// searched in order costs a few bytes, where Qt 6 gives every QHash a span of
+// 128 slots, some kilobytes per contact of a large roster.
+struct VeskAttributeList
+{
+    VeskArg value(const QString &name) const
+    {
+        for (const auto &item : items) {
+            if (item.first == name)
+                return item.second;
+        }
+        return VeskArg();
+    }
+    void insert(const QString &name, const VeskArg &value)
+    {
+        for (auto &item : items) {
+            if (item.first == name) {
+                item.second = value;
+                return;
+            }
+        }
+        items.emplace_back(name, value);
+    }
+
+    std::vector<std::pair<QString, VeskArg>> items;
+};
 
 struct VeskRosterEntry
 {
@@ -26,7 +54,7 @@ struct VeskRosterEntry
     VeskAccountConnection *account = nullptr;
     VeskPresence presence;
     VeskSubscriptionType subscription;
-    QHash<QString, VeskArg> attributes;
+    VeskAttributeList attributes;
     int pos = 0;
 };
 

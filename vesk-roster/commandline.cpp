@@ -1,9 +1,8 @@
 #include "commandline.h"
 
+#include "librarysession.h"
 #include "refusal.h"
 #include "text_p.h"
-
-#include <QDir>
 
 namespace {
 
@@ -28,16 +27,11 @@ bool takeValue(const QStringList &arguments, int *i, const QString &name, QStrin
 
 QString VeskCommandLine::defaultSettingsDir()
 {
-    // A relative XDG_CONFIG_HOME is ignored, as the base directory rules
-    // say; without HOME there is no place a user would look for settings.
-    const QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
-    if (!config.isEmpty() && QDir::isAbsolutePath(config))
-        return config + QLatin1String("/vesk-roster");
-    const QString home = qEnvironmentVariable("HOME");
-    if (!home.isEmpty() && QDir::isAbsolutePath(home))
-        return home + QLatin1String("/.config/vesk-roster");
-    refuse(vtr("there is no settings directory: neither XDG_CONFIG_HOME nor HOME is set to an "
-               "absolute path; give one with --settings DIR"));
+    QString error;
+    const QString dir = VeskLibrarySession::defaultSettingsDir(&error);
+    if (dir.isEmpty())
+        refuse(error);
+    return dir;
 }
 
 VeskCommandLine VeskCommandLine::parse(const QStringList &arguments)

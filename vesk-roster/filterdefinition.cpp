@@ -4,6 +4,7 @@
 #include "jsonwriter.h"
 #include "librarysession.h"
 #include "refusal.h"
+#include "rosterfile.h"
 #include "text_p.h"
 
 #include <veskfield.h>
@@ -46,21 +47,6 @@ void writeChildren(VeskJsonWriter &json, VeskRosterFiltersStack *stack)
         json.endObject();
     }
     json.endArray();
-}
-
-QString lineAndColumn(const QByteArray &document, int offset)
-{
-    int line = 1;
-    int column = 1;
-    for (int i = 0; i < offset && i < document.size(); ++i) {
-        if (document.at(i) == '\n') {
-            ++line;
-            column = 1;
-        } else if ((uchar(document.at(i)) & 0xC0) != 0x80) {
-            ++column;
-        }
-    }
-    return vtr("line %1, column %2").arg(line).arg(column);
 }
 
 class Reader
@@ -177,8 +163,8 @@ VeskFilterDefinition VeskFilterDefinition::read(
     QJsonParseError error;
     const QJsonDocument parsed = QJsonDocument::fromJson(document, &error);
     if (error.error != QJsonParseError::NoError) {
-        refuse(vtr("the definition is not valid JSON: %1: %2")
-                   .arg(lineAndColumn(document, error.offset), error.errorString()));
+        refuse(vtr("the definition is not valid JSON: %1")
+                   .arg(VeskRosterFile::syntaxError(document, error)));
     }
     if (!parsed.isObject())
         refuse(vtr("the definition must be a JSON object, as \"export\" prints it"));

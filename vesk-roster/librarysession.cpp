@@ -222,6 +222,19 @@ VeskLibrarySession::~VeskLibrarySession()
     close();
 }
 
+QString VeskLibrarySession::defaultSettingsDir(QString *error)
+{
+    const QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
+    if (!config.isEmpty() && QDir::isAbsolutePath(config))
+        return config + QLatin1String("/vesk-roster");
+    const QString home = qEnvironmentVariable("HOME");
+    if (!home.isEmpty() && QDir::isAbsolutePath(home))
+        return home + QLatin1String("/.config/vesk-roster");
+    *error = vtr("there is no settings directory: neither XDG_CONFIG_HOME nor HOME is set to an "
+                 "absolute path; give one with --settings DIR");
+    return QString();
+}
+
 int VeskLibrarySession::maximumNesting()
 {
     // How deep a condition reaches below its stack's element, measured on

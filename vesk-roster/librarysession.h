@@ -35,6 +35,12 @@ public:
     enum Access { ReadOnly, ReadWrite };
     static constexpr int DefaultLockTimeoutMs = 10000;
 
+    // Where both programs keep their settings without --settings:
+    // $XDG_CONFIG_HOME/vesk-roster, else ~/.config/vesk-roster. A relative
+    // XDG_CONFIG_HOME is ignored, as the base directory rules say; without an
+    // absolute HOME either, empty with *error.
+    static QString defaultSettingsDir(QString *error);
+
     VeskLibrarySession();
     ~VeskLibrarySession();
 

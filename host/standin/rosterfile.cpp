@@ -4,6 +4,10 @@
 
 #include <QCoreApplication>
 #include <QHash>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QJsonValue>
 #include <QVector>
 
 #include <cmath>
@@ -18,58 +22,101 @@ QString tr(const char *text)
     return QCoreApplication::translate("VeskRosterFile", text);
 }
 
-// A key or a short literal as it stands in the document, without a copy.
-struct Span
+// A text as a JSON string literal: quoted, with control characters, lone
+// surrogates and the quote itself escaped, so that a message naming it is
+// unambiguous and never carries raw control characters.
+QString quoted(const QString &text)
 {
-    const char *data = nullptr;
-    int size = 0;
-
-    bool is(const char *literal) const
-    {
-        return int(std::strlen(literal)) == size && std::memcmp(data, literal, size_t(size)) == 0;
+    QString out;
+    out.reserve(text.size() + 2);
+    out += QLatin1Char('"');
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        const ushort u = c.unicode();
+        const bool pair
+            = c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
+        if (c == QLatin1Char('"') || c == QLatin1Char('\\')) {
+            out += QLatin1Char('\\');
+            out += c;
+        } else if (u < 0x20 || (u >= 0x7F && u < 0xA0) || (c.isSurrogate() && !pair)) {
+            out += QStringLiteral("\\u%1").arg(u, 4, 16, QLatin1Char('0'));
+        } else {
+            out += c;
+            if (pair)
+                out += text.at(++i);
+        }
     }
-    QString toString() const { return QString::fromUtf8(data, size); }
-};
+    out += QLatin1Char('"');
+    return out;
+}
 
-struct Number
+bool isIdentifier(const QString &key)
 {
-    double value = 0;
-    bool whole = false; // an integral value within int range
-};
+    if (key.isEmpty() || key.at(0).isDigit())
+        return false;
+    for (const QChar c : key) {
+        if (!(c.isLetterOrNumber() && c.unicode() < 0x80) && c != QLatin1Char('_'))
+            return false;
+    }
+    return true;
+}
 
-// One value of the document, as much as the roster needs of it.
-struct Value
+// The place of a value in the document, as a JSON path (contacts[17].group).
+// Paths live on the stack of the reader's calls and are spelled out only for
+// an error, so reading a valid roster builds no path text at all.
+class Path
 {
-    enum Kind { Null, Bool, Num, String, Array, Object };
-    Kind kind = Null;
-    bool boolean = false;
-    Number number;
-    QString string;
-    const char *at = nullptr;
+public:
+    Path() = default;
+    Path key(const char *name) const { return Path(this, name, nullptr, -1); }
+    Path member(const QString &name) const { return Path(this, nullptr, &name, -1); }
+    Path index(int i) const { return Path(this, nullptr, nullptr, i); }
+
+    QString toString() const
+    {
+        if (!parent)
+            return QString();
+        QString text = parent->toString();
+        if (position >= 0)
+            return text + QLatin1Char('[') + QString::number(position) + QLatin1Char(']');
+        const QString name = literal ? QString::fromLatin1(literal) : *string;
+        if (!isIdentifier(name))
+            return text + QLatin1Char('[') + quoted(name) + QLatin1Char(']');
+        return text.isEmpty() ? name : text + QLatin1Char('.') + name;
+    }
+
+private:
+    Path(const Path *parent, const char *literal, const QString *string, int position)
+        : parent(parent)
+        , literal(literal)
+        , string(string)
+        , position(position)
+    { }
+
+    const Path *parent = nullptr;
+    const char *literal = nullptr;
+    const QString *string = nullptr;
+    int position = -1;
 };
 
 struct Contact
 {
     QString display;
-    QString group;
-    bool hasGroup = false;
-    const char *groupAt = nullptr;
+    int group = -1;
     int account = -1;
-    const char *accountAt = nullptr;
     bool temporary = false;
     QString presenceId, presenceDisplay, presenceDescription;
     int presenceFlag = 0;
     int presencePriority = 0;
     int subscription = 0;
     bool hasChats = false;
-    Value chats;
+    VeskArg chats;
 };
 
 struct Account
 {
     QString uid;
     QString protocol;
-    const char *protocolAt = nullptr;
 };
 
 struct Group
@@ -84,735 +131,451 @@ struct Protocol
     QList<VeskPresence> presences;
 };
 
-// A strict JSON reader that walks the roster document once, in place, and
-// fills plain structures; the stand-in host is filled only once the whole
-// document has been read and its references resolved, so a bad file leaves no
-// half-built roster behind.
+// Qt's parser turns an escaped lone surrogate (\ud800) into a QString that
+// holds one; raw UTF-8 cannot encode one. Only a document with a \u escape
+// into the surrogate range needs its strings checked.
+bool mayHoldLoneSurrogates(const QByteArray &json)
+{
+    const char *p = json.constData();
+    const char *end = p + json.size();
+    while ((p = static_cast<const char *>(std::memchr(p, '\\', size_t(end - p))))) {
+        // \uD800 to \uDFFF: the third hex digit is 8 to F.
+        if (end - p >= 4 && p[1] == 'u' && (p[2] == 'd' || p[2] == 'D')
+            && ((p[3] >= '8' && p[3] <= '9') || (p[3] >= 'a' && p[3] <= 'f')
+                || (p[3] >= 'A' && p[3] <= 'F')))
+            return true;
+        p += 2; // an escaped backslash must not start another escape
+        if (p >= end)
+            break;
+    }
+    return false;
+}
+
+bool holdsLoneSurrogate(const QString &text)
+{
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (!c.isSurrogate())
+            continue;
+        if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
+            ++i;
+        else
+            return true;
+    }
+    return false;
+}
+
+// Walks the parsed document with explicit type checks and fills plain
+// structures; the stand-in host is filled only once the whole document has
+// been read and its references resolved, so a bad file leaves no half-built
+// roster behind.
 class RosterReader
 {
 public:
-    explicit RosterReader(const QByteArray &json)
-        : begin(json.constData())
-        , p(json.constData())
-        , end(json.constData() + json.size())
+    explicit RosterReader(bool checkSurrogates)
+        : checkSurrogates(checkSurrogates)
     { }
 
-    bool read();
-    QString errorMessage() const;
+    bool read(const QJsonDocument &document);
 
+    QString error;
     QVector<Protocol> protocols;
     QVector<Account> accounts;
     QVector<Group> groups;
     std::vector<Contact> contacts;
 
-    bool fail(const char *at, const QString &message)
+private:
+    bool fail(const Path &at, const QString &message)
     {
-        if (errorAt)
-            return false;
-        errorAt = at ? at : p;
-        error = message;
+        const QString place = at.toString();
+        error = place.isEmpty() ? message : tr("%1: %2").arg(place, message);
         return false;
     }
 
-private:
-    void skipSpace()
-    {
-        while (p < end && (*p == ' ' || *p == '\n' || *p == '\r' || *p == '\t'))
-            ++p;
-    }
-    bool expect(char c, const char *what)
-    {
-        skipSpace();
-        if (p < end && *p == c) {
-            ++p;
-            return true;
-        }
-        return fail(p, tr("expected %1").arg(QLatin1String(what)));
-    }
+    bool members(const QJsonObject &object, const Path &at, const char *const *keys, int count,
+        QJsonValue *values);
+    bool object(const QJsonValue &value, const Path &at, QJsonObject *out);
+    bool array(const QJsonValue &value, const Path &at, QJsonArray *out);
+    bool string(const QJsonValue &value, const Path &at, QString *out);
+    bool sharedString(const QJsonValue &value, const Path &at, QString *out);
+    bool integer(const QJsonValue &value, const Path &at, int *out);
+    bool boolean(const QJsonValue &value, const Path &at, bool *out);
 
-    bool readKey(Span *key, QByteArray *unescaped);
-    bool readString(QString *out);
-    bool readRawString(const char **start, const char **stop, bool *escaped);
-    bool readNumber(Number *out);
-    bool matchLiteral(const char *literal);
-    bool readLiteral(const char *literal);
-    bool readValue(Value *out);
+    bool readProtocol(const QJsonValue &value, const Path &at);
+    bool readPresence(const QJsonValue &value, const Path &at, Contact *into, bool withDescription);
+    bool readAccount(const QJsonValue &value, const Path &at);
+    bool readGroup(const QJsonValue &value, const Path &at);
+    bool readContact(const QJsonValue &value, const Path &at);
 
-    template <typename Member> bool readObject(const char *what, Member member);
-    template <typename Element> bool readArray(const char *what, Element element);
+    QString nameList(const QStringList &names) const;
 
-    bool readStringMember(const Span &key, QString *out);
-    bool readSharedStringMember(const Span &key, QString *out);
-    bool readIntMember(const Span &key, int *out);
-    bool readBoolMember(const Span &key, bool *out);
-    bool unknownKey(const char *at, const Span &key, const char *where, const char *valid);
-
-    bool readProtocol();
-    bool readPresence(QString *id, QString *display, QString *description, int *flag, int *priority,
-        bool withDescription);
-    bool readAccount();
-    bool readGroup();
-    bool readContact();
-
-    const char *begin;
-    const char *p;
-    const char *end;
-    const char *errorAt = nullptr;
-    QString error;
+    const bool checkSurrogates;
+    QHash<QString, int> protocolIndex;
+    QHash<QString, int> groupIndex;
     // Presence texts repeat across thousands of contacts; sharing one copy
     // of each keeps large rosters small.
-    QHash<QByteArray, QString> sharedStrings;
+    QHash<QString, QString> sharedStrings;
 };
 
-QString RosterReader::errorMessage() const
+// Fills values[i] with the member keys[i] (undefined when absent) and refuses
+// any other key, naming the valid ones. Looking the known keys up, instead of
+// iterating the members, builds no key strings for a valid object.
+bool RosterReader::members(const QJsonObject &object, const Path &at, const char *const *keys,
+    int count, QJsonValue *values)
 {
-    int line = 1;
-    const char *lineStart = begin;
-    for (const char *c = begin; c < errorAt; ++c) {
-        if (*c == '\n') {
-            ++line;
-            lineStart = c + 1;
+    int found = 0;
+    for (int i = 0; i < count; ++i) {
+        const auto it = object.constFind(QLatin1String(keys[i]));
+        if (it == object.constEnd()) {
+            values[i] = QJsonValue(QJsonValue::Undefined);
+        } else {
+            values[i] = it.value();
+            ++found;
         }
     }
-    // Columns count characters, not bytes: continuation bytes are skipped.
-    int column = 1;
-    for (const char *c = lineStart; c < errorAt; ++c) {
-        if ((uchar(*c) & 0xC0) != 0x80)
-            ++column;
-    }
-    return tr("line %1, column %2: %3").arg(line).arg(column).arg(error);
-}
-
-bool RosterReader::readRawString(const char **start, const char **stop, bool *escaped)
-{
-    skipSpace();
-    if (p >= end || *p != '"')
-        return fail(p, tr("expected a string"));
-    ++p;
-    *start = p;
-    *escaped = false;
-    while (p < end) {
-        const uchar c = uchar(*p);
-        if (c == '"') {
-            *stop = p++;
-            return true;
-        }
-        if (c < 0x20)
-            return fail(p, tr("control character inside a string (write it as an escape)"));
-        if (c == '\\') {
-            *escaped = true;
-            if (++p >= end)
-                break;
-        }
-        ++p;
-    }
-    return fail(*start - 1, tr("unterminated string"));
-}
-
-// Decodes the escapes of a string that readRawString() has delimited.
-bool decodeEscapes(RosterReader *reader, const char *start, const char *stop, QByteArray *out)
-{
-    out->clear();
-    out->reserve(int(stop - start));
-    for (const char *c = start; c < stop; ++c) {
-        if (*c != '\\') {
-            out->append(*c);
-            continue;
-        }
-        const char *escape = c++;
-        switch (*c) {
-        case '"':
-            out->append('"');
-            break;
-        case '\\':
-            out->append('\\');
-            break;
-        case '/':
-            out->append('/');
-            break;
-        case 'b':
-            out->append('\b');
-            break;
-        case 'f':
-            out->append('\f');
-            break;
-        case 'n':
-            out->append('\n');
-            break;
-        case 'r':
-            out->append('\r');
-            break;
-        case 't':
-            out->append('\t');
-            break;
-        case 'u': {
-            auto hex4 = [&](const char *h, uint *code) {
-                if (stop - h < 4)
-                    return false;
-                *code = 0;
-                for (int i = 0; i < 4; ++i) {
-                    const char d = h[i];
-                    *code <<= 4;
-                    if (d >= '0' && d <= '9')
-                        *code |= uint(d - '0');
-                    else if (d >= 'a' && d <= 'f')
-                        *code |= uint(d - 'a' + 10);
-                    else if (d >= 'A' && d <= 'F')
-                        *code |= uint(d - 'A' + 10);
-                    else
-                        return false;
-                }
-                return true;
-            };
-            uint code = 0;
-            if (!hex4(c + 1, &code))
-                return reader->fail(escape, tr("bad \\u escape (expected four hex digits)"));
-            c += 4;
-            if (code >= 0xD800 && code < 0xDC00) {
-                uint low = 0;
-                if (stop - c >= 7 && c[1] == '\\' && c[2] == 'u' && hex4(c + 3, &low)
-                    && low >= 0xDC00 && low < 0xE000) {
-                    code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-                    c += 6;
-                } else {
-                    return reader->fail(escape, tr("unpaired surrogate in a \\u escape"));
-                }
-            } else if (code >= 0xDC00 && code < 0xE000) {
-                return reader->fail(escape, tr("unpaired surrogate in a \\u escape"));
-            }
-            const char32_t ch = char32_t(code);
-            out->append(QString::fromUcs4(&ch, 1).toUtf8());
-            break;
-        }
-        default:
-            return reader->fail(escape, tr("unknown escape in a string"));
+    if (found == object.size())
+        return true;
+    QStringList valid;
+    for (int i = 0; i < count; ++i)
+        valid.append(QLatin1String(keys[i]));
+    for (auto it = object.begin(); it != object.end(); ++it) {
+        const QString key = it.key();
+        if (!valid.contains(key)) {
+            return fail(at.member(key),
+                tr("unknown key; valid keys: %1").arg(valid.join(QLatin1String(", "))));
         }
     }
     return true;
 }
 
-bool RosterReader::readString(QString *out)
+bool RosterReader::object(const QJsonValue &value, const Path &at, QJsonObject *out)
 {
-    const char *start = nullptr;
-    const char *stop = nullptr;
-    bool escaped = false;
-    if (!readRawString(&start, &stop, &escaped))
-        return false;
-    if (!escaped) {
-        *out = QString::fromUtf8(start, int(stop - start));
-        return true;
-    }
-    QByteArray bytes;
-    if (!decodeEscapes(this, start, stop, &bytes))
-        return false;
-    *out = QString::fromUtf8(bytes);
+    if (!value.isObject())
+        return fail(at, tr("must be an object"));
+    *out = value.toObject();
     return true;
 }
 
-bool RosterReader::readKey(Span *key, QByteArray *unescaped)
+bool RosterReader::array(const QJsonValue &value, const Path &at, QJsonArray *out)
 {
-    const char *start = nullptr;
-    const char *stop = nullptr;
-    bool escaped = false;
-    if (!readRawString(&start, &stop, &escaped))
-        return false;
-    if (!escaped) {
-        key->data = start;
-        key->size = int(stop - start);
+    if (value.isUndefined())
         return true;
-    }
-    if (!decodeEscapes(this, start, stop, unescaped))
-        return false;
-    key->data = unescaped->constData();
-    key->size = unescaped->size();
+    if (!value.isArray())
+        return fail(at, tr("must be an array"));
+    *out = value.toArray();
     return true;
 }
 
-bool RosterReader::readNumber(Number *out)
+bool RosterReader::string(const QJsonValue &value, const Path &at, QString *out)
 {
-    const char *start = p;
-    const char *c = p;
-    auto digits = [&]() {
-        const char *first = c;
-        while (c < end && *c >= '0' && *c <= '9')
-            ++c;
-        return c > first;
-    };
-    if (c < end && *c == '-')
-        ++c;
-    if (c < end && *c == '0')
-        ++c;
-    else if (!digits())
-        return fail(start, tr("malformed number"));
-    const char *integralEnd = c;
-    bool plain = true;
-    if (c < end && *c == '.') {
-        ++c;
-        plain = false;
-        if (!digits())
-            return fail(start, tr("malformed number (digits must follow the decimal point)"));
-    }
-    if (c < end && (*c == 'e' || *c == 'E')) {
-        ++c;
-        plain = false;
-        if (c < end && (*c == '+' || *c == '-'))
-            ++c;
-        if (!digits())
-            return fail(start, tr("malformed number (digits must follow the exponent)"));
-    }
-    p = c;
-    // Short integers, by far the most common, are read without a round trip
-    // through floating point.
-    if (plain && integralEnd - start <= 12) {
-        qint64 v = 0;
-        const char *d = start + (*start == '-' ? 1 : 0);
-        for (; d < integralEnd; ++d)
-            v = v * 10 + (*d - '0');
-        if (*start == '-')
-            v = -v;
-        out->value = double(v);
-        out->whole = v >= std::numeric_limits<int>::min() && v <= std::numeric_limits<int>::max();
+    if (value.isUndefined())
         return true;
+    if (!value.isString())
+        return fail(at, tr("must be a string"));
+    *out = value.toString();
+    if (checkSurrogates && holdsLoneSurrogate(*out)) {
+        return fail(
+            at, tr("%1 holds a lone surrogate, which is not a character").arg(quoted(*out)));
     }
-    bool ok = false;
-    out->value = QByteArray::fromRawData(start, int(c - start)).toDouble(&ok);
-    if (!ok && !std::isinf(out->value))
-        return fail(start, tr("malformed number"));
-    out->whole = std::isfinite(out->value) && std::floor(out->value) == out->value
-        && out->value >= std::numeric_limits<int>::min()
-        && out->value <= std::numeric_limits<int>::max();
     return true;
 }
 
-bool RosterReader::matchLiteral(const char *literal)
+bool RosterReader::sharedString(const QJsonValue &value, const Path &at, QString *out)
 {
-    const size_t size = std::strlen(literal);
-    if (size_t(end - p) >= size && std::memcmp(p, literal, size) == 0) {
-        p += size;
+    if (!string(value, at, out))
+        return false;
+    if (out->size() > 64)
         return true;
-    }
-    return false;
+    auto it = sharedStrings.constFind(*out);
+    if (it != sharedStrings.constEnd())
+        *out = *it;
+    else if (sharedStrings.size() < 4096)
+        sharedStrings.insert(*out, *out);
+    return true;
 }
 
-bool RosterReader::readLiteral(const char *literal)
+// Whole-valued numbers in int range are integers, whether written 7 or 7.0.
+bool isWhole(double number)
 {
-    return matchLiteral(literal) || fail(p, tr("unexpected character (expected a value)"));
+    return std::floor(number) == number && number >= std::numeric_limits<int>::min()
+        && number <= std::numeric_limits<int>::max();
 }
 
-bool RosterReader::readValue(Value *out)
+VeskArg chatsArg(const QJsonValue &value)
 {
-    skipSpace();
-    out->at = p;
-    if (p >= end)
-        return fail(p, tr("unexpected end of the document (expected a value)"));
-    switch (*p) {
-    case '"':
-        out->kind = Value::String;
-        return readString(&out->string);
-    case 't':
-        out->kind = Value::Bool;
-        out->boolean = true;
-        return readLiteral("true");
-    case 'f':
-        out->kind = Value::Bool;
-        out->boolean = false;
-        return readLiteral("false");
-    case 'n':
-        out->kind = Value::Null;
-        return readLiteral("null");
-    case '[':
-        out->kind = Value::Array;
-        return true;
-    case '{':
-        out->kind = Value::Object;
-        return true;
+    switch (value.type()) {
+    case QJsonValue::Double:
+        if (isWhole(value.toDouble()))
+            return VeskStandIn::makeIntArg(int(value.toDouble()));
+        return VeskStandIn::makeArg(VeskArg::TypeDouble, value.toDouble());
+    case QJsonValue::String:
+        return VeskStandIn::makeArg(VeskArg::TypeString, value.toString());
+    case QJsonValue::Bool:
+        return VeskStandIn::makeArg(VeskArg::TypeBool, value.toBool());
     default:
-        if (*p == '-' || (*p >= '0' && *p <= '9')) {
-            out->kind = Value::Num;
-            return readNumber(&out->number);
-        }
-        return fail(p, tr("unexpected character (expected a value)"));
+        return VeskStandIn::makeArg(VeskArg::TypeNone, QVariant());
     }
 }
 
-template <typename Member> bool RosterReader::readObject(const char *what, Member member)
+bool RosterReader::integer(const QJsonValue &value, const Path &at, int *out)
 {
-    skipSpace();
-    if (p >= end || *p != '{')
-        return fail(p, tr("expected %1 (an object)").arg(QLatin1String(what)));
-    ++p;
-    skipSpace();
-    if (p < end && *p == '}') {
-        ++p;
+    if (value.isUndefined())
         return true;
-    }
-    QByteArray unescaped;
-    for (;;) {
-        skipSpace();
-        const char *keyAt = p;
-        if (p >= end || *p != '"')
-            return fail(p, tr("expected a key in double quotes in %1").arg(QLatin1String(what)));
-        Span key;
-        if (!readKey(&key, &unescaped) || !expect(':', "':' after a key"))
-            return false;
-        if (!member(key, keyAt))
-            return false;
-        skipSpace();
-        if (p < end && *p == ',') {
-            ++p;
-            continue;
-        }
-        if (p < end && *p == '}') {
-            ++p;
-            return true;
-        }
-        return fail(p, tr("expected ',' or '}' after a member of %1").arg(QLatin1String(what)));
-    }
-}
-
-template <typename Element> bool RosterReader::readArray(const char *what, Element element)
-{
-    skipSpace();
-    if (p >= end || *p != '[')
-        return fail(p, tr("expected %1 (an array)").arg(QLatin1String(what)));
-    ++p;
-    skipSpace();
-    if (p < end && *p == ']') {
-        ++p;
-        return true;
-    }
-    for (;;) {
-        if (!element())
-            return false;
-        skipSpace();
-        if (p < end && *p == ',') {
-            ++p;
-            continue;
-        }
-        if (p < end && *p == ']') {
-            ++p;
-            return true;
-        }
-        return fail(p, tr("expected ',' or ']' after an element of %1").arg(QLatin1String(what)));
-    }
-}
-
-bool RosterReader::readStringMember(const Span &key, QString *out)
-{
-    skipSpace();
-    if (p < end && *p == '"')
-        return readString(out);
-    return fail(p, tr("\"%1\" must be a string").arg(key.toString()));
-}
-
-bool RosterReader::readSharedStringMember(const Span &key, QString *out)
-{
-    skipSpace();
-    if (p >= end || *p != '"')
-        return fail(p, tr("\"%1\" must be a string").arg(key.toString()));
-    const char *start = nullptr;
-    const char *stop = nullptr;
-    bool escaped = false;
-    const char *at = p;
-    if (!readRawString(&start, &stop, &escaped))
-        return false;
-    if (escaped || stop - start > 64 || sharedStrings.size() >= 4096) {
-        p = at;
-        return readString(out);
-    }
-    const QByteArray bytes = QByteArray::fromRawData(start, int(stop - start));
-    auto it = sharedStrings.constFind(bytes);
-    if (it == sharedStrings.constEnd())
-        it = sharedStrings.insert(QByteArray(start, int(stop - start)), QString::fromUtf8(bytes));
-    *out = *it;
+    if (!value.isDouble() || !isWhole(value.toDouble()))
+        return fail(at, tr("must be a whole number from -2147483648 to 2147483647"));
+    *out = int(value.toDouble());
     return true;
 }
 
-bool RosterReader::readIntMember(const Span &key, int *out)
+bool RosterReader::boolean(const QJsonValue &value, const Path &at, bool *out)
 {
-    skipSpace();
-    const char *at = p;
-    Number number;
-    if (p < end && (*p == '-' || (*p >= '0' && *p <= '9'))) {
-        if (!readNumber(&number))
-            return false;
-        if (number.whole) {
-            *out = int(number.value);
-            return true;
-        }
-    }
-    return fail(at, tr("\"%1\" must be a whole number").arg(key.toString()));
-}
-
-bool RosterReader::readBoolMember(const Span &key, bool *out)
-{
-    skipSpace();
-    if (matchLiteral("true")) {
-        *out = true;
+    if (value.isUndefined())
         return true;
-    }
-    if (matchLiteral("false")) {
-        *out = false;
-        return true;
-    }
-    return fail(p, tr("\"%1\" must be true or false").arg(key.toString()));
+    if (!value.isBool())
+        return fail(at, tr("must be true or false"));
+    *out = value.toBool();
+    return true;
 }
 
-bool RosterReader::unknownKey(const char *at, const Span &key, const char *where, const char *valid)
+QString RosterReader::nameList(const QStringList &names) const
 {
-    return fail(at,
-        tr("unknown key \"%1\" in %2 (valid keys: %3)")
-            .arg(key.toString(), QLatin1String(where), QLatin1String(valid)));
+    // Enough to spot a typo without burying the message under a huge roster's groups.
+    const int shown = 8;
+    QStringList quotedNames;
+    for (int i = 0; i < names.size() && i < shown; ++i)
+        quotedNames.append(quoted(names.at(i)));
+    if (names.isEmpty())
+        return tr("(none)");
+    if (names.size() > shown)
+        return tr("%1, … (%2 in all)").arg(quotedNames.join(QLatin1String(", "))).arg(names.size());
+    return quotedNames.join(QLatin1String(", "));
 }
 
-bool RosterReader::readPresence(QString *id, QString *display, QString *description, int *flag,
-    int *priority, bool withDescription)
+bool RosterReader::readPresence(
+    const QJsonValue &value, const Path &at, Contact *into, bool withDescription)
 {
-    const char *valid = withDescription ? "id, display, flag, priority, description"
-                                        : "id, display, flag, priority";
-    return readObject("a presence", [&](const Span &key, const char *keyAt) {
-        if (key.is("id"))
-            return readSharedStringMember(key, id);
-        if (key.is("display"))
-            return readSharedStringMember(key, display);
-        if (key.is("flag"))
-            return readIntMember(key, flag);
-        if (key.is("priority"))
-            return readIntMember(key, priority);
-        if (withDescription && key.is("description"))
-            return readSharedStringMember(key, description);
-        return unknownKey(keyAt, key, "a presence", valid);
-    });
+    static const char *const keys[] = { "id", "display", "flag", "priority", "description" };
+    QJsonObject presence;
+    QJsonValue v[5];
+    return object(value, at, &presence) && members(presence, at, keys, withDescription ? 5 : 4, v)
+        && sharedString(v[0], at.key(keys[0]), &into->presenceId)
+        && sharedString(v[1], at.key(keys[1]), &into->presenceDisplay)
+        && integer(v[2], at.key(keys[2]), &into->presenceFlag)
+        && integer(v[3], at.key(keys[3]), &into->presencePriority)
+        && (!withDescription || sharedString(v[4], at.key(keys[4]), &into->presenceDescription));
 }
 
-bool RosterReader::readProtocol()
+bool RosterReader::readProtocol(const QJsonValue &value, const Path &at)
 {
+    static const char *const keys[] = { "name", "presences" };
+    QJsonObject object;
+    QJsonValue v[2];
     Protocol protocol;
-    const char *at = p;
-    const bool ok = readObject("a protocol", [&](const Span &key, const char *keyAt) {
-        if (key.is("name"))
-            return readStringMember(key, &protocol.name);
-        if (key.is("presences")) {
-            return readArray("\"presences\"", [&]() {
-                QString id, display, unused;
-                int flag = 0;
-                int priority = 0;
-                if (!readPresence(&id, &display, &unused, &flag, &priority, false))
-                    return false;
-                protocol.presences.append(
-                    VeskStandIn::makePresence(id, display, QString(), flag, priority));
-                return true;
-            });
-        }
-        return unknownKey(keyAt, key, "a protocol", "name, presences");
-    });
-    if (!ok)
+    QJsonArray presences;
+    if (!this->object(value, at, &object) || !members(object, at, keys, 2, v)
+        || !string(v[0], at.key(keys[0]), &protocol.name)
+        || !array(v[1], at.key(keys[1]), &presences))
         return false;
     if (protocol.name.isEmpty())
         return fail(at, tr("a protocol needs a non-empty \"name\""));
+    const Path presencesAt = at.key(keys[1]);
+    for (int i = 0; i < presences.size(); ++i) {
+        Contact presence;
+        if (!readPresence(presences.at(i), presencesAt.index(i), &presence, false))
+            return false;
+        protocol.presences.append(VeskStandIn::makePresence(presence.presenceId,
+            presence.presenceDisplay, QString(), presence.presenceFlag, presence.presencePriority));
+    }
+    if (!protocolIndex.contains(protocol.name))
+        protocolIndex.insert(protocol.name, protocols.size());
     protocols.append(protocol);
     return true;
 }
 
-bool RosterReader::readAccount()
+bool RosterReader::readAccount(const QJsonValue &value, const Path &at)
 {
+    static const char *const keys[] = { "uid", "protocol" };
+    QJsonObject object;
+    QJsonValue v[2];
     Account account;
-    const char *at = p;
-    const bool ok = readObject("an account", [&](const Span &key, const char *keyAt) {
-        if (key.is("uid"))
-            return readStringMember(key, &account.uid);
-        if (key.is("protocol")) {
-            skipSpace();
-            account.protocolAt = p;
-            return readStringMember(key, &account.protocol);
-        }
-        return unknownKey(keyAt, key, "an account", "uid, protocol");
-    });
-    if (!ok)
+    if (!this->object(value, at, &object) || !members(object, at, keys, 2, v)
+        || !string(v[0], at.key(keys[0]), &account.uid)
+        || !string(v[1], at.key(keys[1]), &account.protocol))
         return false;
-    if (!account.protocolAt)
+    if (v[1].isUndefined())
         return fail(at, tr("an account needs a \"protocol\""));
+    if (!protocolIndex.contains(account.protocol)) {
+        QStringList names;
+        for (const Protocol &protocol : qAsConst(protocols))
+            names.append(protocol.name);
+        return fail(at.key(keys[1]),
+            tr("no protocol %1; protocols: %2").arg(quoted(account.protocol), nameList(names)));
+    }
     accounts.append(account);
     return true;
 }
 
-bool RosterReader::readGroup()
+bool RosterReader::readGroup(const QJsonValue &value, const Path &at)
 {
+    static const char *const keys[] = { "name", "pos" };
+    QJsonObject object;
+    QJsonValue v[2];
     Group group;
-    const char *at = p;
-    bool named = false;
-    const bool ok = readObject("a group", [&](const Span &key, const char *keyAt) {
-        if (key.is("name")) {
-            named = true;
-            return readStringMember(key, &group.name);
-        }
-        if (key.is("pos"))
-            return readIntMember(key, &group.pos);
-        return unknownKey(keyAt, key, "a group", "name, pos");
-    });
-    if (!ok)
+    if (!this->object(value, at, &object) || !members(object, at, keys, 2, v)
+        || !string(v[0], at.key(keys[0]), &group.name)
+        || !integer(v[1], at.key(keys[1]), &group.pos))
         return false;
-    if (!named)
+    if (v[0].isUndefined())
         return fail(at, tr("a group needs a \"name\""));
+    // Group names may repeat, as in a real roster; a contact joins the first
+    // group of its name.
+    if (!groupIndex.contains(group.name))
+        groupIndex.insert(group.name, groups.size());
     groups.append(group);
     return true;
 }
 
-bool RosterReader::readContact()
+bool RosterReader::readContact(const QJsonValue &value, const Path &at)
 {
+    static const char *const keys[]
+        = { "display", "group", "account", "temporary", "presence", "subscription", "chats_count" };
+    QJsonObject object;
+    QJsonValue v[7];
     Contact contact;
-    const bool ok = readObject("a contact", [&](const Span &key, const char *keyAt) {
-        if (key.is("display"))
-            return readStringMember(key, &contact.display);
-        if (key.is("group")) {
-            skipSpace();
-            contact.groupAt = p;
-            contact.hasGroup = true;
-            return readStringMember(key, &contact.group);
-        }
-        if (key.is("account")) {
-            skipSpace();
-            contact.accountAt = p;
-            if (p < end && *p == 'n') {
-                contact.account = -1;
-                return readLiteral("null");
-            }
-            if (!readIntMember(key, &contact.account))
-                return false;
-            if (contact.account < 0)
-                return fail(
-                    contact.accountAt, tr("\"account\" must be an index into \"accounts\""));
-            return true;
-        }
-        if (key.is("temporary"))
-            return readBoolMember(key, &contact.temporary);
-        if (key.is("presence")) {
-            return readPresence(&contact.presenceId, &contact.presenceDisplay,
-                &contact.presenceDescription, &contact.presenceFlag, &contact.presencePriority,
-                true);
-        }
-        if (key.is("subscription"))
-            return readIntMember(key, &contact.subscription);
-        if (key.is("chats_count")) {
-            if (!readValue(&contact.chats))
-                return false;
-            if (contact.chats.kind == Value::Array || contact.chats.kind == Value::Object) {
-                return fail(contact.chats.at,
-                    tr("\"chats_count\" must be a number, a string, true, false or null"));
-            }
-            contact.hasChats = true;
-            return true;
-        }
-        return unknownKey(keyAt, key, "a contact",
-            "display, group, account, temporary, presence, subscription, chats_count");
-    });
-    if (!ok)
+    QString group;
+    if (!this->object(value, at, &object) || !members(object, at, keys, 7, v)
+        || !string(v[0], at.key(keys[0]), &contact.display)
+        || !string(v[1], at.key(keys[1]), &group))
         return false;
+    if (!v[1].isUndefined()) {
+        contact.group = groupIndex.value(group, -1);
+        if (contact.group < 0) {
+            QStringList names;
+            for (const Group &known : qAsConst(groups))
+                names.append(known.name);
+            return fail(
+                at.key(keys[1]), tr("no group %1; groups: %2").arg(quoted(group), nameList(names)));
+        }
+    }
+    if (!v[2].isUndefined() && !v[2].isNull()) {
+        if (!v[2].isDouble() || !isWhole(v[2].toDouble()) || v[2].toDouble() < 0)
+            return fail(at.key(keys[2]), tr("must be null or an index into \"accounts\""));
+        contact.account = int(v[2].toDouble());
+        if (contact.account >= accounts.size()) {
+            return fail(at.key(keys[2]),
+                tr("no account %1; \"accounts\" lists %2 (indexes start at 0)")
+                    .arg(contact.account)
+                    .arg(accounts.size()));
+        }
+    }
+    if (!boolean(v[3], at.key(keys[3]), &contact.temporary)
+        || (!v[4].isUndefined() && !readPresence(v[4], at.key(keys[4]), &contact, true))
+        || !integer(v[5], at.key(keys[5]), &contact.subscription))
+        return false;
+    if (v[6].isArray() || v[6].isObject()) {
+        return fail(at.key(keys[6]), tr("must be a number, a string, true, false or null"));
+    }
+    QString chatsText;
+    if (v[6].isString() && !string(v[6], at.key(keys[6]), &chatsText))
+        return false;
+    if (!v[6].isUndefined()) {
+        contact.hasChats = true;
+        contact.chats = chatsArg(v[6]);
+    }
     contacts.push_back(std::move(contact));
     return true;
 }
 
-bool RosterReader::read()
+bool RosterReader::read(const QJsonDocument &document)
 {
-    // A byte order mark is tolerated, as editors like to write one.
-    if (end - p >= 3 && std::memcmp(p, "\xEF\xBB\xBF", 3) == 0)
-        p += 3;
-    skipSpace();
-    if (p == end)
-        return fail(p, tr("the roster is empty (expected a JSON object)"));
-    const bool ok = readObject("the roster", [&](const Span &key, const char *keyAt) {
-        if (key.is("protocols"))
-            return readArray("\"protocols\"", [&]() { return readProtocol(); });
-        if (key.is("accounts"))
-            return readArray("\"accounts\"", [&]() { return readAccount(); });
-        if (key.is("groups"))
-            return readArray("\"groups\"", [&]() { return readGroup(); });
-        if (key.is("contacts"))
-            return readArray("\"contacts\"", [&]() { return readContact(); });
-        return unknownKey(keyAt, key, "the roster", "protocols, accounts, groups, contacts");
-    });
-    if (!ok)
+    if (!document.isObject())
+        return fail(Path(), tr("the roster must be a JSON object"));
+    static const char *const keys[] = { "protocols", "accounts", "groups", "contacts" };
+    const Path root;
+    QJsonValue v[4];
+    QJsonArray list[4];
+    if (!members(document.object(), root, keys, 4, v))
         return false;
-    skipSpace();
-    if (p != end)
-        return fail(p, tr("unexpected text after the roster object"));
+    for (int i = 0; i < 4; ++i) {
+        if (!array(v[i], root.key(keys[i]), &list[i]))
+            return false;
+    }
+    // Protocols, accounts and groups are read first, whatever the order in
+    // the file, so that each reference can be checked where it stands.
+    contacts.reserve(size_t(list[3].size()));
+    for (int i = 0; i < 4; ++i) {
+        const Path at = root.key(keys[i]);
+        for (int j = 0; j < list[i].size(); ++j) {
+            const QJsonValue value = list[i].at(j);
+            const Path element = at.index(j);
+            const bool ok = i == 0 ? readProtocol(value, element)
+                : i == 1           ? readAccount(value, element)
+                : i == 2           ? readGroup(value, element)
+                                   : readContact(value, element);
+            if (!ok)
+                return false;
+        }
+    }
     return true;
 }
 
-VeskArg chatsArg(const Value &value)
+bool isBlank(const QByteArray &json)
 {
-    switch (value.kind) {
-    case Value::Num:
-        if (value.number.whole)
-            return VeskStandIn::makeIntArg(int(value.number.value));
-        return VeskStandIn::makeArg(VeskArg::TypeDouble, value.number.value);
-    case Value::String:
-        return VeskStandIn::makeArg(VeskArg::TypeString, value.string);
-    case Value::Bool:
-        return VeskStandIn::makeArg(VeskArg::TypeBool, value.boolean);
-    default:
-        return VeskStandIn::makeArg(VeskArg::TypeNone, QVariant());
+    for (const char c : json) {
+        if (c != ' ' && c != '\n' && c != '\r' && c != '\t')
+            return false;
     }
+    return true;
 }
 
 } // namespace
 
 namespace VeskRosterFile {
 
+QString syntaxError(const QByteArray &json, const QJsonParseError &error)
+{
+    int line = 1;
+    int lineStart = 0;
+    const int offset = qBound(0, int(error.offset), int(json.size()));
+    for (int i = 0; i < offset; ++i) {
+        if (json.at(i) == '\n') {
+            ++line;
+            lineStart = i + 1;
+        }
+    }
+    // Columns count characters, not bytes: UTF-8 continuation bytes are
+    // skipped, and a byte order mark is not a column.
+    int column = 1;
+    for (int i = lineStart; i < offset; ++i)
+        column += (uchar(json.at(i)) & 0xC0) != 0x80;
+    if (line == 1 && json.startsWith("\xEF\xBB\xBF") && offset >= 3)
+        --column;
+    return tr("line %1, column %2: %3").arg(line).arg(column).arg(error.errorString());
+}
+
 bool load(const QByteArray &json, QString *error)
 {
     VeskStandIn::resetRoster();
-    RosterReader reader(json);
-    bool ok = reader.read();
-
-    // References are resolved before anything is built, so that a bad one
-    // leaves the roster empty.
-    QHash<QString, int> protocolIndex;
-    QHash<QString, int> groupIndex;
-    if (ok) {
-        for (int i = 0; i < reader.protocols.size(); ++i) {
-            if (!protocolIndex.contains(reader.protocols.at(i).name))
-                protocolIndex.insert(reader.protocols.at(i).name, i);
+    RosterReader reader(mayHoldLoneSurrogates(json));
+    {
+        // The parsed document is dropped before the stand-in is filled, so the
+        // two never take memory at the same time.
+        QJsonParseError parseError;
+        const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
+        QString message;
+        if (parseError.error != QJsonParseError::NoError) {
+            const bool bom = json.startsWith("\xEF\xBB\xBF");
+            message = isBlank(bom ? json.mid(3) : json)
+                ? tr("the roster is empty (expected a JSON object)")
+                : syntaxError(json, parseError);
+        } else if (!reader.read(document)) {
+            message = reader.error;
         }
-        for (const Account &account : qAsConst(reader.accounts)) {
-            if (!protocolIndex.contains(account.protocol)) {
-                ok = reader.fail(account.protocolAt,
-                    tr("account \"%1\" names the protocol \"%2\", which \"protocols\" does not "
-                       "list")
-                        .arg(account.uid, account.protocol));
-                break;
-            }
+        if (!message.isEmpty()) {
+            if (error)
+                *error = message;
+            return false;
         }
-    }
-    if (ok) {
-        // Group names may repeat, as in a real roster; a contact joins the
-        // first group of its name.
-        for (int i = 0; i < reader.groups.size(); ++i) {
-            if (!groupIndex.contains(reader.groups.at(i).name))
-                groupIndex.insert(reader.groups.at(i).name, i);
-        }
-        for (const Contact &contact : reader.contacts) {
-            if (contact.hasGroup && !groupIndex.contains(contact.group)) {
-                ok = reader.fail(contact.groupAt,
-                    tr("contact \"%1\" names the group \"%2\", which \"groups\" does not list")
-                        .arg(contact.display, contact.group));
-                break;
-            }
-            if (contact.account >= reader.accounts.size()) {
-                ok = reader.fail(contact.accountAt,
-                    tr("contact \"%1\" names account %2, but there are %3 accounts "
-                       "(indexes start at 0)")
-                        .arg(contact.display)
-                        .arg(contact.account)
-                        .arg(reader.accounts.size()));
-                break;
-            }
-        }
-    }
-    if (!ok) {
-        if (error)
-            *error = reader.errorMessage();
-        return false;
     }
 
     for (const Protocol &protocol : qAsConst(reader.protocols))
@@ -829,8 +592,8 @@ bool load(const QByteArray &json, QString *error)
     for (const Contact &contact : reader.contacts) {
         VeskStandIn::ContactInfo info;
         info.display = contact.display;
-        if (contact.hasGroup)
-            info.group = groups.at(groupIndex.value(contact.group));
+        if (contact.group >= 0)
+            info.group = groups.at(contact.group);
         if (contact.account >= 0)
             info.account = accounts.at(contact.account);
         info.presence = VeskStandIn::makePresence(contact.presenceId, contact.presenceDisplay,
@@ -841,7 +604,7 @@ bool load(const QByteArray &json, QString *error)
         }
         info.subscription = contact.subscription;
         if (contact.hasChats)
-            info.attributes.insert(QStringLiteral("chats_count"), chatsArg(contact.chats));
+            info.attributes.insert(QStringLiteral("chats_count"), contact.chats);
         VeskStandIn::addContact(info);
     }
     return true;

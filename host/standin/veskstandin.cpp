@@ -76,7 +76,7 @@ VeskBuddy addContact(const ContactInfo &info)
 {
     auto entry = contactEntry(VeskBuddy::TypeContact, info);
     entry->subscription = makeSubscription(info.subscription);
-    entry->attributes = info.attributes;
+    entry->attributes.items = info.attributes.items;
     return addEntryData(std::move(entry));
 }
 

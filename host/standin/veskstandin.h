@@ -10,10 +10,12 @@
 #include <veskbuddy.h>
 #include <veskpresence.h>
 
-#include <QHash>
 #include <QList>
 #include <QString>
 #include <QVariant>
+
+#include <utility>
+#include <vector>
 
 class VeskAccountConnection;
 class VeskProtocol;
@@ -33,6 +35,25 @@ VESK_STANDIN_EXPORT VeskProtocol *addProtocol(
 VESK_STANDIN_EXPORT VeskAccountConnection *addAccount(
     const QString &uid, const QString &protocolName);
 
+// A contact's attributes by name, in the order of their first insertion;
+// inserting a name again replaces its value. A short list, as the stand-in
+// keeps them: a QHash would cost a few kilobytes per contact under Qt 6.
+class Attributes
+{
+public:
+    void insert(const QString &name, const VeskArg &value)
+    {
+        for (auto &item : items) {
+            if (item.first == name) {
+                item.second = value;
+                return;
+            }
+        }
+        items.emplace_back(name, value);
+    }
+    std::vector<std::pair<QString, VeskArg>> items;
+};
+
 struct ContactInfo
 {
     QString display;
@@ -40,7 +61,7 @@ struct ContactInfo
     VeskAccountConnection *account = nullptr;
     VeskPresence presence;
     int subscription = 0;
-    QHash<QString, VeskArg> attributes;
+    Attributes attributes;
 };
 
 // Groups are listed by VeskRoster::getGroupsNames() in the order of addition.

@@ -1,7 +1,8 @@
 #pragma once
 
 // Builds, configures and describes filters for tests: a whole tree or field
-// list compares as one string.
+// list compares as one string. Shared with the reliability tests and the fuzz
+// targets.
 
 #include <veskfield.h>
 #include <veskrosterfilter.h>
@@ -79,6 +80,8 @@ inline QString typeName(VeskRosterFilter::RosterFilterType type)
         return QStringLiteral("AND");
     case VeskRosterFilter::RosterFilterOr:
         return QStringLiteral("OR");
+    case VeskRosterFilter::RosterFilterLeaf:
+        return QStringLiteral("LEAF");
     default:
         return QStringLiteral("DEFAULT");
     }
@@ -97,26 +100,61 @@ inline VeskRosterFiltersStack *nested(
     return stack;
 }
 
-// Type, name, sorter, advanced mode and children of a stack; kind, fields and
-// display text of a leaf.
-inline QString describe(VeskRosterFilter *filter)
+// The answers of `filter` for every roster entry, as a string of 0 and 1.
+inline QString answers(const VeskRosterFilter *filter)
+{
+    QString result;
+    const QList<VeskBuddy> entries = VeskStandIn::entries();
+    for (const VeskBuddy &entry : entries)
+        result.append(filter->filter(entry) ? QLatin1Char('1') : QLatin1Char('0'));
+    return result;
+}
+
+// A whole tree as one line: type, sorting method and advanced flag of the
+// top-level stack, then each node; a leaf shows its kind, chosen values and
+// display text. Names of nested stacks are left out: they are not stored.
+// With `normalised`, what a write and a read legitimately drop is dropped
+// too: nested stacks left without children vanish, and the type of a stack
+// without children is not shown (it is only stored for a stack that has
+// children). Without `withDisplay`, leaves show their answers for the roster
+// instead of their display texts: a stored value that names no item shows an
+// empty label until the filter is saved once, then the label of what it was
+// read as.
+inline QString describe(VeskRosterFilter *filter, bool normalised = false, bool withDisplay = true)
 {
     if (!filter)
         return QStringLiteral("null");
-    if (filter->getType() == VeskRosterFilter::RosterFilterLeaf)
-        return filter->id() + QLatin1Char('{') + describe(filter->getConfiguration())
-            + QLatin1String("}'") + filter->display() + QLatin1Char('\'');
     auto *stack = dynamic_cast<VeskRosterFiltersStack *>(filter);
-    if (!stack)
-        return QStringLiteral("?");
+    if (!stack) {
+        QStringList fields;
+        const QList<VeskField> configuration = filter->getConfiguration();
+        for (const VeskField &field : configuration) {
+            const bool combo = field.getKind() == VeskField::ComboBox;
+            fields.append(field.getId() + QLatin1String(combo ? "=>" : "=")
+                + (combo ? field.getSelectedId() : field.getText()));
+        }
+        return QStringLiteral("%1 %2 {%3} \"%4\"")
+            .arg(filter->id(), typeName(filter->getType()), fields.join(QLatin1Char(';')),
+                withDisplay ? filter->display() : answers(filter));
+    }
+    const bool nested = filter->getParent() != nullptr;
     QStringList children;
-    const QList<VeskRosterFilter *> filters = stack->getFilters();
-    for (VeskRosterFilter *child : filters)
-        children.append(describe(child));
-    return typeName(stack->getType()) + QLatin1Char(' ') + stack->name() + QLatin1String(" sort=")
-        + stack->getSorter()
-        + (stack->isAdvancedMode() ? QLatin1String(" advanced") : QLatin1String())
-        + QLatin1String(" [") + children.join(QLatin1String(", ")) + QLatin1Char(']');
+    const QList<VeskRosterFilter *> list = stack->getFilters();
+    for (VeskRosterFilter *child : list) {
+        const QString text = describe(child, normalised, withDisplay);
+        if (!normalised || !text.isEmpty())
+            children.append(text);
+    }
+    if (normalised && nested && children.isEmpty())
+        return QString();
+    const QString type
+        = normalised && children.isEmpty() ? QStringLiteral("*") : typeName(stack->getType());
+    const QString extras = nested
+        ? QString()
+        : QStringLiteral(" sort=\"%1\" advanced=%2")
+              .arg(stack->getSorter(),
+                  stack->isAdvancedMode() ? QStringLiteral("t") : QStringLiteral("f"));
+    return QStringLiteral("%1%2 (%3)").arg(type, extras, children.join(QLatin1String(", ")));
 }
 
 } // namespace VeskFilterTree

@@ -82,8 +82,11 @@ private slots:
     void treeSurvivesARestart();
     void writingTwiceReplacesAndReadingTwiceDoesNotDuplicate();
     void emptyStackKeepsItsConstructedTypeAfterARestart();
+    void advancedModeIsOnOnlyForT_data();
     void advancedModeIsOnOnlyForT();
-    void filesNotSpelledByTheLibraryAreNotListed();
+    void onlyTheLibrarysOwnSpellingOfANameFeedsAFilter_data();
+    void onlyTheLibrarysOwnSpellingOfANameFeedsAFilter();
+    void aHashedFileHoldingAnotherNameIsNoFilter();
     void deepestReadableTreeSurvivesAndADeeperOneKeepsTheOldFile();
     void savesLeaveNoTemporaryFileAndAnInterruptedOneIsNoFilterAndGoesWhenOld();
 
@@ -97,13 +100,14 @@ void tst_VeskStackFile::treeSurvivesARestart()
     VeskRosterFiltersStack *tree = manager->addStackFilter(QStringLiteral("tree"), AND);
     VeskRosterFiltersStack *inner
         = nested(OR, { presence(QStringLiteral("online")), presence(QStringLiteral("dnd")) });
-    // Only the top-level stack keeps a sorter and the advanced mode.
-    inner->setSorter(QStringLiteral("inner sorter"));
-    inner->setAdvancedMode(true);
     tree->appendFilter(presence(QStringLiteral("away"), false));
     tree->appendFilter(inner);
     tree->setSorter(QStringLiteral("by name"));
     tree->setAdvancedMode(true);
+    const QString stored = describe(tree);
+    // Only the top-level stack keeps a sorter and the advanced mode.
+    inner->setSorter(QStringLiteral("inner sorter"));
+    inner->setAdvancedMode(true);
     tree->writeFilterSettings();
     // The host's own files have this shape: attributes on the root, only a
     // type on a nested stack, leaves as elements named by kind.
@@ -119,16 +123,7 @@ void tst_VeskStackFile::treeSurvivesARestart()
             QStringLiteral("by name"), QStringLiteral("t"), QStringLiteral("presence"),
             QStringLiteral("OR"), QStringLiteral("1") }));
 
-    manager = env->restart();
-    QCOMPARE(describe(manager->getStackFilter(QStringLiteral("tree"))),
-        QStringLiteral("AND tree sort=by name advanced ["
-                       "presence{is_or_not=[is,is not|is,is not] is not; presence_filter_presence="
-                       "[online,away,dnd|Online,Away,Busy] away}'presence is not Away', "
-                       "OR OR sort= [presence{is_or_not=[is,is not|is,is not] is; "
-                       "presence_filter_presence=[online,away,dnd|Online,Away,Busy] online}"
-                       "'presence is Online', presence{is_or_not=[is,is not|is,is not] is; "
-                       "presence_filter_presence=[online,away,dnd|Online,Away,Busy] dnd}'presence "
-                       "is Busy']]"));
+    QCOMPARE(describe(env->restart()->getStackFilter(QStringLiteral("tree"))), stored);
 }
 
 void tst_VeskStackFile::writingTwiceReplacesAndReadingTwiceDoesNotDuplicate()
@@ -153,28 +148,66 @@ void tst_VeskStackFile::emptyStackKeepsItsConstructedTypeAfterARestart()
     empty->setSorter(QStringLiteral("by presence"));
     empty->writeFilterSettings();
     QCOMPARE(describe(env->restart()->getStackFilter(QStringLiteral("empty"))),
-        QStringLiteral("DEFAULT empty sort=by presence []"));
+        QStringLiteral("DEFAULT sort=\"by presence\" advanced=f ()"));
+}
+
+void tst_VeskStackFile::advancedModeIsOnOnlyForT_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<bool>("advanced");
+    QTest::newRow("t") << QByteArray("t") << true;
+    QTest::newRow("f") << QByteArray("f") << false;
+    QTest::newRow("true") << QByteArray("true") << false;
+    QTest::newRow("T") << QByteArray("T") << false;
+    QTest::newRow("empty") << QByteArray() << false;
 }
 
 void tst_VeskStackFile::advancedModeIsOnOnlyForT()
 {
-    QString modes;
-    for (const char *value : { "t", "f", "true", "T", "" }) {
-        writeFile(env->filePath(QStringLiteral("s")),
-            QByteArray("<stack_filter type=\"AND\" sort=\"x\" advanced=\"") + value + "\"/>");
-        VeskRosterFiltersStack stack(QStringLiteral("s"), AND);
-        modes += QLatin1Char(stack.isAdvancedMode() ? 't' : 'f');
-    }
-    QCOMPARE(modes, QStringLiteral("tffff"));
+    QFETCH(QByteArray, value);
+    writeFile(env->filePath(QStringLiteral("s")),
+        "<stack_filter type=\"AND\" sort=\"x\" advanced=\"" + value + "\"/>");
+    QTEST(VeskRosterFiltersStack(QStringLiteral("s"), AND).isAdvancedMode(), "advanced");
 }
 
-void tst_VeskStackFile::filesNotSpelledByTheLibraryAreNotListed()
+void tst_VeskStackFile::onlyTheLibrarysOwnSpellingOfANameFeedsAFilter_data()
 {
-    // "%41" would decode to "A", which the library spells "A"; "50%off" and
-    // "x%u12" are no spelling of the library at all. A long name's hashed
-    // file holding another long name is no filter either.
-    for (const char *name : { "A", "%41", "50%off", "x%u12", "%2e" })
-        writeFile(env->filePath(QString::fromLatin1(name)), oneLeafFile());
+    QTest::addColumn<QStringList>("files"); // written in this order, holding online, away, dnd
+    QTest::addColumn<QString>("expected"); // the stacks listed and what feeds each
+    QTest::newRow("a plain name beside an escaped spelling of it") << QStringList(
+        { QStringLiteral("%41"), QStringLiteral("A") }) << QStringLiteral("A: (presence is Away)");
+    QTest::newRow("escaped spellings alone")
+        << QStringList({ QStringLiteral("%41"), QStringLiteral("%u0041") }) << QString();
+    QTest::newRow("the library's own escape")
+        << QStringList(QStringLiteral("%2E")) << QStringLiteral(".: (presence is Online)");
+    QTest::newRow("a '%' that starts no escape")
+        << QStringList({ QStringLiteral("50%off"), QStringLiteral("x%u12"), QStringLiteral("%2e") })
+        << QString();
+}
+
+void tst_VeskStackFile::onlyTheLibrarysOwnSpellingOfANameFeedsAFilter()
+{
+    QFETCH(QStringList, files);
+    const QStringList presences { QStringLiteral("online"), QStringLiteral("away"),
+        QStringLiteral("dnd") };
+    for (int i = 0; i < files.size(); ++i) {
+        VeskRosterFiltersStack stack(QString(), AND);
+        stack.appendFilter(presence(presences.at(i)));
+        stack.writeFilterSettings();
+        writeFile(env->filePath(files.at(i)), stack.getNode()->toByteArray());
+    }
+    VeskRosterFiltersManager *manager = env->restart();
+    QStringList listed;
+    const QStringList names = manager->getFilterNames();
+    for (const QString &name : names) {
+        if (VeskRosterFilter *stack = manager->getStackFilter(name))
+            listed << name + QLatin1String(": ") + stack->display();
+    }
+    QTEST(listed.join(QLatin1Char('\n')), "expected");
+}
+
+void tst_VeskStackFile::aHashedFileHoldingAnotherNameIsNoFilter()
+{
     const QString longName(300, QLatin1Char('x'));
     saveOneLeaf(longName);
     const QStringList files = entriesUnder(env->filtersDir());
@@ -186,7 +219,7 @@ void tst_VeskStackFile::filesNotSpelledByTheLibraryAreNotListed()
 
     QStringList names = env->restart()->getFilterNames();
     names.sort();
-    QCOMPARE(names, QStringList({ QStringLiteral("A"), QStringLiteral("default"), longName }));
+    QCOMPARE(names, QStringList({ QStringLiteral("default"), longName }));
 }
 
 void tst_VeskStackFile::deepestReadableTreeSurvivesAndADeeperOneKeepsTheOldFile()

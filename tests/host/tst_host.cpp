@@ -30,7 +30,7 @@ class tst_Host : public QObject
 private slots:
     void fieldsRoundTripThroughAFile_data();
     void fieldsRoundTripThroughAFile();
-    void fromXmlTakesTheLastValueOfAnIdAndKeepsFieldsItDoesNotMention();
+    void fromXmlTakesTheLastValueOfAnIdAndKeepsFieldsWithoutOne();
     void settingsAreReadBackByAFreshStore();
 };
 
@@ -65,7 +65,7 @@ void tst_Host::fieldsRoundTripThroughAFile()
         QStringList({ text, text }));
 }
 
-void tst_Host::fromXmlTakesTheLastValueOfAnIdAndKeepsFieldsItDoesNotMention()
+void tst_Host::fromXmlTakesTheLastValueOfAnIdAndKeepsFieldsWithoutOne()
 {
     const VeskXmlNode stored
         = VeskField::toXml({ line(QStringLiteral("a"), QStringLiteral("first")),
@@ -76,6 +76,11 @@ void tst_Host::fromXmlTakesTheLastValueOfAnIdAndKeepsFieldsItDoesNotMention()
         return fields.at(0).getText() + QLatin1Char('/') + fields.at(1).getText();
     };
     QCOMPARE(texts(VeskField::fromXml(templ, stored)), QStringLiteral("last/old b"));
+    // An element with an id but no value stores nothing: the field keeps its value.
+    VeskXmlNode noValue(QString(), QString(), nullptr);
+    QVERIFY(noValue.setContent(QByteArrayLiteral(
+        "<fields><field id=\"a\" value=\"set\"/><field id=\"a\"/><field id=\"b\"/></fields>")));
+    QCOMPARE(texts(VeskField::fromXml(templ, noValue)), QStringLiteral("set/old b"));
     QCOMPARE(texts(VeskField::fromXml(templ, VeskXmlNode(QString(), QString(), nullptr))),
         QStringLiteral("old a/old b"));
 }

@@ -68,67 +68,6 @@ void buildSmallRoster()
     addEntry(7, QStringLiteral("kind seven"));
 }
 
-namespace {
-
-    QString typeName(VeskRosterFilter::RosterFilterType type)
-    {
-        switch (type) {
-        case VeskRosterFilter::RosterFilterAnd:
-            return QStringLiteral("AND");
-        case VeskRosterFilter::RosterFilterOr:
-            return QStringLiteral("OR");
-        case VeskRosterFilter::RosterFilterLeaf:
-            return QStringLiteral("LEAF");
-        case VeskRosterFilter::RosterFilterDefault:
-            return QStringLiteral("DEFAULT");
-        }
-        return QStringLiteral("TYPE%1").arg(int(type));
-    }
-
-    QString describeFields(const QList<VeskField> &fields)
-    {
-        QStringList parts;
-        for (const VeskField &field : fields) {
-            const bool combo = field.getKind() == VeskField::ComboBox;
-            parts.append(field.getId() + (combo ? QLatin1String("=>") : QLatin1String("="))
-                + (combo ? field.getSelectedId() : field.getText()));
-        }
-        return parts.join(QLatin1Char(';'));
-    }
-
-} // namespace
-
-QString describe(VeskRosterFilter *filter, bool normalised, bool withDisplay)
-{
-    if (!filter)
-        return QStringLiteral("null");
-    auto *stack = dynamic_cast<VeskRosterFiltersStack *>(filter);
-    if (!stack) {
-        return QStringLiteral("%1 %2 {%3} \"%4\"")
-            .arg(filter->id(), typeName(filter->getType()),
-                describeFields(filter->getConfiguration()),
-                withDisplay ? filter->display() : answers(filter));
-    }
-    const bool nested = filter->getParent() != nullptr;
-    QStringList children;
-    const QList<VeskRosterFilter *> list = stack->getFilters();
-    for (VeskRosterFilter *child : list) {
-        const QString text = describe(child, normalised, withDisplay);
-        if (!normalised || !text.isEmpty())
-            children.append(text);
-    }
-    if (normalised && nested && children.isEmpty())
-        return QString();
-    const QString type
-        = normalised && children.isEmpty() ? QStringLiteral("*") : typeName(stack->getType());
-    const QString extras = nested
-        ? QString()
-        : QStringLiteral(" sort=\"%1\" advanced=%2")
-              .arg(stack->getSorter(),
-                  stack->isAdvancedMode() ? QStringLiteral("t") : QStringLiteral("f"));
-    return QStringLiteral("%1%2 (%3)").arg(type, extras, children.join(QLatin1String(", ")));
-}
-
 QStringList describeAll(bool normalised, bool withDisplay)
 {
     QStringList result;
@@ -140,15 +79,6 @@ QStringList describeAll(bool normalised, bool withDisplay)
         result.append(id + QLatin1String(": ")
             + describe(manager->getStackFilter(id), normalised, withDisplay));
     }
-    return result;
-}
-
-QString answers(const VeskRosterFilter *filter)
-{
-    QString result;
-    const QList<VeskBuddy> entries = VeskStandIn::entries();
-    for (const VeskBuddy &entry : entries)
-        result.append(filter->filter(entry) ? QLatin1Char('1') : QLatin1Char('0'));
     return result;
 }
 

@@ -5,6 +5,7 @@
 // the tear-down of the singletons a start-up creates.
 
 #include <veskfiltertestenv.h>
+#include <veskfiltertree.h>
 
 #include <QByteArray>
 #include <QList>
@@ -21,22 +22,11 @@ namespace VeskReliability {
 // including the odd ones (no account, unknown presence, kind codes 0 and 7).
 void buildSmallRoster();
 
-// One line per node: kind, type, sorting method, advanced flag, configuration
-// values and display text. Nested stacks' names are left out: they are not
-// stored. With `normalised`, what a write and a read legitimately drop is
-// dropped too: nested stacks left without children vanish, and the type of a
-// stack without children is not shown (it is only stored for a stack that
-// has children). Without `withDisplay`, leaves show their answers for the
-// roster instead of their display texts: a stored value that names no item
-// shows an empty label until the filter is saved once, then the label of
-// what it was read as.
-QString describe(VeskRosterFilter *filter, bool normalised, bool withDisplay = true);
+using VeskFilterTree::answers;
+using VeskFilterTree::describe;
 
 // describe() of every listed filter, keyed by identifier, in listing order.
 QStringList describeAll(bool normalised, bool withDisplay = true);
-
-// The answers of `filter` for every roster entry, as a string of 0 and 1.
-QString answers(const VeskRosterFilter *filter);
 
 // Deletes what a start-up made: the listed stacks, the default filter, the
 // filters manager and the sorters manager.

@@ -545,8 +545,8 @@ void tst_VeskRoster::refusalsLeaveTheSettingsUntouched_data()
     row("unknown option", A({ "--frobnicate", "show" }), "unknown option \"--frobnicate\"");
     row("missing argument", A({ "use" }), "missing argument");
     row("missing roster file", A({ "--roster", "nope.json", "show" }), "cannot read the roster");
-    row("bad roster names line and column", A({ "--roster", "bad-roster.json" }),
-        "line 2, column 25");
+    row("bad roster names the place", A({ "--roster", "bad-roster.json" }),
+        "groups[0].name: must be a string");
     row("missing definition file", A({ "import", "nope.json" }), "cannot read the definition");
     row("bad definition names line and column", A({ "import", "bad-definition.json" }),
         "line 2, column");

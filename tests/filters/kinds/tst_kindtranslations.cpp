@@ -1,42 +1,73 @@
-// The translation catalogue holds every text the library shows, under the
-// comments that key it, and the German translation reaches the filters.
+// Every text a person reads is looked up under its own key (the context
+// "translation", its source text and its comment), and the German
+// translation reaches the filters and both managers. Checked on what the code
+// produces at run time, so a lookup under a wrong key fails here.
 
 #include "kindsfixture.h"
 
-#include <QDomDocument>
-#include <QFile>
-#include <QSet>
+#include <veskfiltertestenv.h>
+
 #include <QTranslator>
 #include <QtTest>
 
 namespace {
 
-// "source|comment" of every live message of the context "translation".
-QSet<QString> catalogueKeys(const QString &path)
+// Answers "[source|comment]" for the context "translation" and nothing for
+// any other, so every text shows the key it was looked up by.
+class KeyTranslator : public QTranslator
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QDomDocument document;
-    document.setContent(&file);
-    QSet<QString> keys;
-    const QDomNodeList contexts = document.elementsByTagName(QStringLiteral("context"));
-    for (int i = 0; i < contexts.size(); ++i) {
-        const QDomElement context = contexts.at(i).toElement();
-        if (context.firstChildElement(QStringLiteral("name")).text()
-            != QLatin1String("translation"))
-            continue;
-        for (QDomElement message = context.firstChildElement(QStringLiteral("message"));
-             !message.isNull(); message = message.nextSiblingElement(QStringLiteral("message"))) {
-            const QString type = message.firstChildElement(QStringLiteral("translation"))
-                                     .attribute(QStringLiteral("type"));
-            if (type == QLatin1String("obsolete") || type == QLatin1String("vanished"))
-                continue;
-            keys.insert(message.firstChildElement(QStringLiteral("source")).text()
-                + QLatin1Char('|') + message.firstChildElement(QStringLiteral("comment")).text());
-        }
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(
+        const char *context, const char *source, const char *comment, int = -1) const override
+    {
+        if (qstrcmp(context, "translation") != 0)
+            return QString();
+        return QLatin1Char('[') + QString::fromUtf8(source) + QLatin1Char('|')
+            + QString::fromUtf8(comment) + QLatin1Char(']');
     }
-    return keys;
+};
+
+// Installed for the lifetime of the object; the managers translate their
+// tables when they are created, so the environment starts them afresh.
+struct Translated
+{
+    explicit Translated(QTranslator *translator)
+        : translator(translator)
+    {
+        QCoreApplication::installTranslator(translator);
+    }
+    ~Translated() { QCoreApplication::removeTranslator(translator); }
+    QTranslator *translator;
+};
+
+// name / display / condition labels of a configured leaf.
+QString leafTexts(const QString &kind, const QString &condition, const QString &value)
+{
+    const auto filter = makeFilter(kind);
+    configure(
+        *filter, { { QStringLiteral("is_or_not"), condition }, { valueFieldOf(kind), value } });
+    return filter->name() + QLatin1String(" / ") + filter->display() + QLatin1String(" / ")
+        + filter->getConfiguration().at(0).getComboBoxLabels().join(QLatin1Char(','));
+}
+
+// The kind names and the sorting labels the two managers offer, in id order.
+QString managerTexts()
+{
+    VeskRosterFiltersManager *filters = VeskRosterFiltersManager::getInstance();
+    VeskRosterSortersManager *sorters = VeskRosterSortersManager::getInstance();
+    QStringList texts;
+    QStringList kinds = filters->getAvailableFilters();
+    kinds.sort();
+    for (const QString &kind : qAsConst(kinds))
+        texts << kind + QLatin1Char('=') + filters->getFilterName(kind) + QLatin1Char('=')
+                + filters->getFilterId(filters->getFilterName(kind));
+    QStringList methods = sorters->getAvailableSorters();
+    methods.sort();
+    for (const QString &method : qAsConst(methods))
+        texts << method + QLatin1Char('=') + sorters->getSorterDisplay(method) + QLatin1Char('=')
+                + sorters->getSorterName(sorters->getSorterDisplay(method));
+    return texts.join(QLatin1String("; "));
 }
 
 } // namespace
@@ -46,99 +77,97 @@ class tst_KindTranslations : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanup() { VeskStandIn::resetRoster(); }
+    void init()
+    {
+        env.reset(new VeskFilterTestEnv);
+        buildRoster();
+    }
+    void cleanup() { env.reset(); }
 
-    void catalogueHoldsText_data();
-    void catalogueHoldsText();
-    void groupDisplayIsNotTranslated();
-    void germanTranslationReachesTheFilters_data();
-    void germanTranslationReachesTheFilters();
+    void leafTextsAreLookedUpUnderTheirKeys_data();
+    void leafTextsAreLookedUpUnderTheirKeys();
+    void managerTextsAreLookedUpUnderTheirKeys();
+    void germanTranslationReachesTheFiltersAndTheManagers();
 
 private:
-    QSet<QString> keys;
+    QScopedPointer<VeskFilterTestEnv> env;
 };
 
-void tst_KindTranslations::initTestCase()
-{
-    keys = catalogueKeys(QStringLiteral(VESK_SOURCE_CATALOGUE));
-    QVERIFY2(!keys.isEmpty(), VESK_SOURCE_CATALOGUE " holds no message");
-}
-
-void tst_KindTranslations::catalogueHoldsText_data()
-{
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QString>("comment");
-    const auto rows = [](const char *comment, std::initializer_list<const char *> sources) {
-        for (const char *source : sources)
-            QTest::addRow("\"%s\" (%s)", source, comment) << source << comment;
-    };
-    // "group" is keyed like the kind names; the group's display text is not
-    // translated at all.
-    rows("filter name", { "description", "display", "account", "protocol", "presence" });
-    rows("roster filter",
-        { "description %1", "display %1", "account %1 %2", "protocol %1 %2", "presence %1 %2" });
-    rows("nc", { "contains", "does not contain", "match exactly", "is not empty", "is", "is not" });
-    rows("nc", { "presence", "display", "protocol", "account", "description", "group" });
-    rows("sorting method", { "name", "presence", "presence priority", "chats count" });
-}
-
-void tst_KindTranslations::catalogueHoldsText()
-{
-    QFETCH(QString, source);
-    QFETCH(QString, comment);
-    QVERIFY2(keys.contains(source + QLatin1Char('|') + comment),
-        "missing; regenerate with the target vesk_update_translations");
-}
-
-void tst_KindTranslations::groupDisplayIsNotTranslated()
-{
-    for (const QString &key : qAsConst(keys))
-        QVERIFY2(!key.startsWith(QLatin1String("%1 %2|")), qPrintable(key));
-}
-
-void tst_KindTranslations::germanTranslationReachesTheFilters_data()
+void tst_KindTranslations::leafTextsAreLookedUpUnderTheirKeys_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("condition");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("expected"); // name / display / condition labels
-    QTest::newRow("display")
-        << QStringLiteral("display") << QStringLiteral("contains") << QStringLiteral("bob")
-        << QStringLiteral("Anzeigename / Anzeigename bob / enthält,enthält nicht,ist genau");
-    QTest::newRow("description")
-        << QStringLiteral("description") << QStringLiteral("is not empty") << QStringLiteral("away")
-        << QStringLiteral(
-               "Beschreibung / Beschreibung away / enthält,enthält nicht,ist genau,ist nicht leer");
-    QTest::newRow("group") << QStringLiteral("group") << QStringLiteral("is not")
-                           << QStringLiteral("Friends")
-                           << QStringLiteral("Gruppe / ist nicht Friends / ist,ist nicht");
-    QTest::newRow("account") << QStringLiteral("account") << QStringLiteral("is")
-                             << QStringLiteral("bob@icq")
-                             << QStringLiteral("Konto / Konto ist bob@icq / ist,ist nicht");
-    QTest::newRow("protocol") << QStringLiteral("protocol") << QStringLiteral("is not")
-                              << QStringLiteral("icq")
-                              << QStringLiteral(
-                                     "Protokoll / Protokoll ist nicht icq / ist,ist nicht");
+    const auto row = [](const char *kind, const char *condition, const char *value,
+                         const char *texts, const char *labels) {
+        QTest::newRow(kind) << QString::fromUtf8(kind) << QString::fromUtf8(condition)
+                            << QString::fromUtf8(value)
+                            << QString::fromUtf8(texts) + QLatin1String(" / ")
+                + QString::fromUtf8(labels);
+    };
+    const char *textLabels = "[contains|nc],[does not contain|nc],[match exactly|nc]";
+    const char *choiceLabels = "[is|nc],[is not|nc]";
+    row("display", "contains", "bob", "[display|filter name] / [display bob|roster filter]",
+        textLabels);
+    row("description", "is not empty", "x",
+        "[description|filter name] / [description x|roster filter]",
+        "[contains|nc],[does not contain|nc],[match exactly|nc],[is not empty|nc]");
+    // The group's display text is the condition and the group's own name.
+    row("group", "is not", "Friends", "[group|nc] / [is not|nc] Friends", choiceLabels);
+    row("account", "is", "bob@icq",
+        "[account|filter name] / [account [is|nc] bob@icq|roster filter]", choiceLabels);
+    row("protocol", "is not", "icq",
+        "[protocol|filter name] / [protocol [is not|nc] icq|roster filter]", choiceLabels);
+    row("presence", "is", "away", "[presence|filter name] / [presence [is|nc] Away|roster filter]",
+        choiceLabels);
 }
 
-void tst_KindTranslations::germanTranslationReachesTheFilters()
+void tst_KindTranslations::leafTextsAreLookedUpUnderTheirKeys()
 {
     QFETCH(QString, kind);
     QFETCH(QString, condition);
     QFETCH(QString, value);
+    KeyTranslator keys;
+    const Translated translated(&keys);
+    QTEST(leafTexts(kind, condition, value), "expected");
+}
+
+void tst_KindTranslations::managerTextsAreLookedUpUnderTheirKeys()
+{
+    KeyTranslator keys;
+    const Translated translated(&keys);
+    env->restart();
+    QCOMPARE(managerTexts(),
+        QStringLiteral("account=[account|nc]=account; description=[description|nc]=description; "
+                       "display=[display|nc]=display; group=[group|nc]=group; "
+                       "presence=[presence|nc]=presence; protocol=[protocol|nc]=protocol; "
+                       "chats_count=[chats count|sorting method]=chats_count; "
+                       "name=[name|sorting method]=name; "
+                       "presence=[presence|sorting method]=presence; "
+                       "presence_priority=[presence priority|sorting method]=presence_priority"));
+}
+
+void tst_KindTranslations::germanTranslationReachesTheFiltersAndTheManagers()
+{
     QTranslator german;
     QVERIFY(german.load(QStringLiteral(VESK_GERMAN_TRANSLATION)));
-    QCoreApplication::installTranslator(&german);
-    buildRoster();
-    const auto filter = makeFilter(kind);
-    configure(
-        *filter, { { QStringLiteral("is_or_not"), condition }, { valueFieldOf(kind), value } });
-    const QString actual = filter->name() + QLatin1String(" / ") + filter->display()
-        + QLatin1String(" / ")
-        + filter->getConfiguration().at(0).getComboBoxLabels().join(QLatin1Char(','));
-    QCoreApplication::removeTranslator(&german);
-    QTEST(actual, "expected");
+    const Translated translated(&german);
+    env->restart();
+    QCOMPARE(QStringList({ leafTexts(QStringLiteral("presence"), QStringLiteral("is not"),
+                               QStringLiteral("away")),
+                 leafTexts(QStringLiteral("description"), QStringLiteral("contains"),
+                     QStringLiteral("x")),
+                 managerTexts() }),
+        QStringList({ QStringLiteral("Status / Status ist nicht Away / ist,ist nicht"),
+            QStringLiteral("Beschreibung / Beschreibung x / enthält,enthält nicht,ist "
+                           "genau,ist nicht leer"),
+            QStringLiteral("account=Konto=account; description=Beschreibung=description; "
+                           "display=Anzeigename=display; group=Gruppe=group; "
+                           "presence=Status=presence; protocol=Protokoll=protocol; "
+                           "chats_count=Anzahl der Chats=chats_count; name=Name=name; "
+                           "presence=Status=presence; "
+                           "presence_priority=Statuspriorität=presence_priority") }));
 }
 
 QTEST_GUILESS_MAIN(tst_KindTranslations)
