@@ -638,6 +638,13 @@ void tst_VeskRoster::refusalsPastAFileSizeLimitPutBackTheirOwnChanges_data()
                QStringLiteral("name") } }
         << A({ "new", "x", "and", "display", "is_or_not=contains" })
         << QStringLiteral("could not store the settings in");
+    // Renaming replaces one file by another before the display order is
+    // stored: a refusal must bring the old file back and take the new away.
+    QTest::newRow("settings file past the limit, after a filter's file was renamed")
+        << Commands { QStringList { QStringLiteral("sorter"), QString(20000, QLatin1Char('m')),
+                          QStringLiteral("name") },
+               A({ "new", "x", "and", "display", "is_or_not=contains" }) }
+        << A({ "rename", "x", "y" }) << QStringLiteral("could not store the settings in");
     QTest::newRow("filter file past the limit")
         << Commands() << A({ "import", "near.json" })
         << QStringLiteral("could not store the filter \"near\"");
