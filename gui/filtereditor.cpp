@@ -524,16 +524,11 @@ void VeskFilterEditor::setField(int field, const QString &value)
 
 void VeskFilterEditor::accept()
 {
-    QString error;
-    const bool stored = library->change(
-        [this](VeskLibrarySession &session, QString *error) { return store(session, error); },
-        &error);
-    if (!stored) {
-        messageLabel->setText(error);
-        messageLabel->show();
-        return;
-    }
-    QDialog::accept();
+    const auto edit = [this](VeskLibrarySession &session, QString *error) {
+        return store(session, error);
+    };
+    if (library->changeOrExplain(edit, messageLabel))
+        QDialog::accept();
 }
 
 QString VeskFilterEditor::check() const

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QLabel>
 
 VeskRosterLibrary::VeskRosterLibrary(const QString &settingsDir, QObject *parent)
     : QObject(parent)
@@ -45,6 +46,16 @@ bool VeskRosterLibrary::change(const Edit &edit, QString *error)
         return false;
     }
     return done;
+}
+
+bool VeskRosterLibrary::changeOrExplain(const Edit &edit, QLabel *messageLabel)
+{
+    QString error;
+    if (change(edit, &error))
+        return true;
+    messageLabel->setText(error);
+    messageLabel->show();
+    return false;
 }
 
 bool VeskRosterLibrary::read(QString *error)

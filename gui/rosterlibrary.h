@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 
+class QLabel;
 class VeskLibrarySession;
 
 // The roster window's hold on the settings directory, which vesk-roster may
@@ -36,6 +37,9 @@ public:
     // Runs one change under the exclusive lock. False, with *error, when the
     // lock cannot be had or the change is refused; nothing is stored then.
     bool change(const Edit &edit, QString *error);
+    // An editor's OK: change(), and on refusal the reason in messageLabel,
+    // shown, so that the dialog can stay open with the user's drafts.
+    bool changeOrExplain(const Edit &edit, QLabel *messageLabel);
 
     // How long a change waits for another program's lock.
     static constexpr int lockTimeoutMs = 3000;

@@ -295,16 +295,11 @@ void VeskSorterEditor::moveComparator(int delta)
 
 void VeskSorterEditor::accept()
 {
-    QString error;
-    const bool stored = library->change(
-        [this](VeskLibrarySession &session, QString *error) { return store(session, error); },
-        &error);
-    if (!stored) {
-        messageLabel->setText(error);
-        messageLabel->show();
-        return;
-    }
-    QDialog::accept();
+    const auto edit = [this](VeskLibrarySession &session, QString *error) {
+        return store(session, error);
+    };
+    if (library->changeOrExplain(edit, messageLabel))
+        QDialog::accept();
 }
 
 bool VeskSorterEditor::store(VeskLibrarySession &session, QString *error)
