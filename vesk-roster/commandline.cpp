@@ -2,7 +2,7 @@
 
 #include "librarysession.h"
 #include "refusal.h"
-#include "text_p.h"
+#include "sessiontext_p.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include "inerttext.h"
 #include "librarysession.h"
 #include "refusal.h"
-#include "text_p.h"
+#include "sessiontext_p.h"
 
 #include <veskrostersortersmanager.h>
 

@@ -1,7 +1,7 @@
 #include "filterbuilder.h"
 
 #include "refusal.h"
-#include "text_p.h"
+#include "sessiontext_p.h"
 
 #include <veskfield.h>
 #include <veskrosterfiltersmanager.h>

@@ -5,7 +5,7 @@
 #include "librarysession.h"
 #include "refusal.h"
 #include "rosterfile.h"
-#include "text_p.h"
+#include "sessiontext_p.h"
 
 #include <veskfield.h>
 #include <veskrosterfiltersstack.h>

@@ -1,7 +1,7 @@
 #include "output.h"
 
 #include "inerttext.h"
-#include "text_p.h"
+#include "sessiontext_p.h"
 #include "texttable.h"
 
 #include <QStringList>

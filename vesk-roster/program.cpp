@@ -6,7 +6,7 @@
 #include "output.h"
 #include "refusal.h"
 #include "rosterfile.h"
-#include "text_p.h"
+#include "sessiontext_p.h"
 
 #include <veskstandin.h>
 

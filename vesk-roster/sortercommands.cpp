@@ -5,7 +5,7 @@
 #include "librarysession.h"
 #include "output.h"
 #include "refusal.h"
-#include "text_p.h"
+#include "sessiontext_p.h"
 
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>

@@ -10,7 +10,7 @@
 #include "refusal.h"
 #include "rosterfile.h"
 #include "rosterview.h"
-#include "text_p.h"
+#include "sessiontext_p.h"
 #include "texttable.h"
 
 #include <veskfield.h>

@@ -1,7 +1,7 @@
 #include "librarysession.h"
 
+#include "sessiontext_p.h"
 #include "settingsjournal.h"
-#include "text_p.h"
 
 #include <veskaccountfilter.h>
 #include <veskdescriptionfilter.h>
