@@ -43,4 +43,6 @@ void sorterDefault(VeskCommandContext &context);
 void sort(VeskCommandContext &context);
 
 void help(VeskCommandContext &context);
+void edit(VeskCommandContext &context);
+void complete(VeskCommandContext &context);
 } // namespace VeskCommands
