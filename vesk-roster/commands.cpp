@@ -229,7 +229,7 @@ const VeskCommand *find(const QString &name)
 QString usage()
 {
     QString text
-        = vtr("usage: vesk-roster [--settings DIR] [--roster FILE|-] [--json] COMMAND "
+        = vtr("Usage: vesk-roster [--settings DIR] [--roster FILE|-] [--json] COMMAND "
               "[ARGS...]\n"
               "\n"
               "Shows a roster through the user's filters and sorting methods, and edits "
