@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -232,6 +233,56 @@ private Q_SLOTS:
         const Result result = run({ QStringLiteral("edit"), name }, QStringLiteral("false"));
         QCOMPARE(result.status, 2);
         QVERIFY(!result.err.contains(QLatin1String("editor")));
+    }
+
+    // On a terminal a refusal asks "edit again? [y/n]", as crontab -e does;
+    // the terminal is script(1)'s, with the answer typed ahead. The editor
+    // breaks the text the first time and mends only its own break the second
+    // time, so the stored result shows the user's text was kept.
+    void onATerminalRefusedTextIsOfferedAgain_data()
+    {
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<int>("status");
+        QTest::newRow("yes") << QByteArray("y\n") << 0;
+        QTest::newRow("no") << QByteArray("n\n") << 2;
+    }
+
+    void onATerminalRefusedTextIsOfferedAgain()
+    {
+        QFETCH(QByteArray, answer);
+        QFETCH(int, status);
+        const QString script = QStandardPaths::findExecutable(QStringLiteral("script"));
+        if (script.isEmpty())
+            QSKIP("script(1) is not installed");
+        const QByteArray count = scratch.filePath(QStringLiteral("count")).toUtf8();
+        QFile::remove(QString::fromUtf8(count));
+        const QString twice = editor("twice.sh",
+            "n=$(cat '" + count + "' 2>/dev/null || echo 0); n=$((n + 1)); echo $n > '" + count
+                + "'\n"
+                  "if [ $n = 1 ]; then sed -i 's/\"online\"/\"away\"/; s/\"children\"/oops/' "
+                  "\"$1\"\n"
+                  "else sed -i 's/oops/\"children\"/' \"$1\"; fi\n");
+        const QByteArray before = exported(QStringLiteral("here"));
+        QProcess process;
+        process.setProcessEnvironment(environment(twice));
+        const QString command = QStringLiteral("'%1' --settings '%2' edit here")
+                                    .arg(QStringLiteral(VESK_ROSTER_PROGRAM), settings);
+        process.start(script, { QStringLiteral("-qec"), command, QStringLiteral("/dev/null") });
+        process.write(answer);
+        QVERIFY(process.waitForFinished(60000));
+        const QString said = QString::fromUtf8(process.readAll());
+        QCOMPARE(process.exitCode(), status);
+        QVERIFY2(said.contains(QLatin1String("line 6, column")), qPrintable(said));
+        QVERIFY2(said.contains(QLatin1String("edit again? [y/n]")), qPrintable(said));
+        if (status == 0) {
+            QVERIFY(exported(QStringLiteral("here")).contains("\"away\""));
+        } else {
+            QCOMPARE(exported(QStringLiteral("here")), before);
+            QFile kept(keptFile(said));
+            QVERIFY2(kept.open(QIODevice::ReadOnly), qPrintable(said));
+            QVERIFY(kept.readAll().contains("oops"));
+            QDir(QFileInfo(kept).absolutePath()).removeRecursively();
+        }
     }
 
     // Two runs edit one filter at once: the second to save finds the filter
