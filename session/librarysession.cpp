@@ -124,6 +124,7 @@ bool VeskLibrarySession::startLibrary(QString *error)
         VeskStandIn::setSettingsDir(directory);
     }
     findUnreadable();
+    findFiltersWithoutMethod();
     // Start-up stores the current filter when the stored one is gone.
     return access == ReadOnly || verifySettings(error);
 }
@@ -170,6 +171,7 @@ void VeskLibrarySession::close()
             delete stack;
     }
     stacks.clear();
+    followingDefault.clear();
     delete defaultFilter;
     defaultFilter = nullptr;
     delete filtersManager;

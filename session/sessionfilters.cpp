@@ -4,6 +4,7 @@
 
 #include "sessiontext_p.h"
 #include "settingsjournal.h"
+#include "storedmethod_p.h"
 
 #include <veskfield.h>
 #include <veskrosterfiltersmanager.h>
@@ -48,8 +49,15 @@ bool VeskLibrarySession::storeStack(VeskRosterFiltersStack *stack, QString *erro
         return false;
     journal->recordMissingDirectories(VeskStackFile::directory());
     journal->recordFile(filePath(id));
-    stack->writeFilterSettings();
-    return verifyStored(stack, id, error);
+    const QString method = storedMethod(stack);
+    {
+        const VeskStoredMethod stored(stack, method);
+        stack->writeFilterSettings();
+    }
+    if (!verifyStored(stack, id, error))
+        return false;
+    noteStoredMethod(stack, method);
+    return true;
 }
 
 bool VeskLibrarySession::storeDisplayOrder(QString *error)
@@ -78,6 +86,10 @@ bool VeskLibrarySession::replaceStack(
     }
     if (!isWritable(error))
         return false;
+    QString method = replacement->getSorter();
+    if (method == old->getSorter())
+        method = storedMethod(old);
+    const VeskStoredMethod carried(replacement, method);
     if (!checkStorable(replacement, id, error))
         return false;
     // One rename replaces the old file by the new one; only then does the
@@ -90,6 +102,7 @@ bool VeskLibrarySession::replaceStack(
     if (!stored)
         return false;
     old->readFilterSettings();
+    noteStoredMethod(old, method);
     unreadable.erase(std::remove_if(unreadable.begin(), unreadable.end(),
                          [&](const Unreadable &file) { return file.id == id; }),
         unreadable.end());
@@ -109,6 +122,7 @@ bool VeskLibrarySession::removeStack(const QString &id, QString *error)
     const bool wasCurrent = filtersManager->getCurrentFilter() == removed;
     filtersManager->removeStackFilter(id);
     stacks.removeAll(removed);
+    followingDefault.remove(removed);
     delete removed;
     // Stored as well, so that a later filter of the same name does not
     // become current by surprise.

@@ -5,6 +5,7 @@
 
 #include "sessionfiles_p.h"
 #include "sessiontext_p.h"
+#include "storedmethod_p.h"
 
 #include <veskaccountfilter.h>
 #include <veskdescriptionfilter.h>
@@ -13,6 +14,7 @@
 #include <veskgroupfilter.h>
 #include <veskpresencefilter.h>
 #include <veskprotocolfilter.h>
+#include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskstackfile_p.h>
 #include <veskstandin.h>
@@ -162,7 +164,9 @@ bool VeskLibrarySession::verifyStored(
     VeskRosterFiltersStack *stack, const QString &id, QString *error)
 {
     // The next start finds the file only under the one name the library
-    // gives it, and then reads it into a new stack: so does this check.
+    // gives it, and then reads it into a new stack: so does this check. It
+    // expects the method the filter must keep, not one it was lent.
+    const VeskStoredMethod stored(stack, storedMethod(stack));
     QString found;
     bool same = VeskStackFile::idForFile(VeskStackFile::fileName(id), &found) && found == id;
     if (same) {
@@ -191,6 +195,7 @@ bool VeskLibrarySession::verifyRemoved(const QString &id, QString *error) const
 bool VeskLibrarySession::checkStorable(
     VeskRosterFiltersStack *stack, const QString &id, QString *error)
 {
+    const VeskStoredMethod stored(stack, storedMethod(stack));
     const int nesting = nestingOf(stack);
     if (nesting > maximumNesting()) {
         *error = vtr("the filter \"%1\" would nest stacks %2 levels deep, and the bound is %3 "
@@ -229,4 +234,34 @@ bool VeskLibrarySession::checkStorable(
                      .arg(id);
     }
     return same;
+}
+
+QString VeskLibrarySession::storedMethod(VeskRosterFiltersStack *stack) const
+{
+    return followingDefault.contains(stack) ? QString() : stack->getSorter();
+}
+
+void VeskLibrarySession::noteStoredMethod(VeskRosterFiltersStack *stack, const QString &method)
+{
+    if (method.isEmpty())
+        followingDefault.insert(stack);
+    else
+        followingDefault.remove(stack);
+}
+
+void VeskLibrarySession::findFiltersWithoutMethod()
+{
+    followingDefault.clear();
+    VeskRosterFiltersStack *current = stack(filtersManager->getCurrentFilterName());
+    for (VeskRosterFiltersStack *stack : qAsConst(stacks)) {
+        // Start-up has lent the current filter the default method when its
+        // file names none: only the file tells.
+        QString method = stack->getSorter();
+        if (stack == current) {
+            const VeskRosterFiltersStack fresh(stack->id(), VeskRosterFilter::RosterFilterDefault);
+            method = fresh.getSorter();
+        }
+        if (method.isEmpty())
+            followingDefault.insert(stack);
+    }
 }

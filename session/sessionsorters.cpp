@@ -66,7 +66,12 @@ bool VeskLibrarySession::sortCurrentFilter(const QString &method, QString *error
     // The method is kept by the current filter: a stack keeps it in its
     // file, the default filter as the default method.
     sortersManager->setCurrentSorter(method);
-    if (currentStack && !storeStack(currentStack, error))
+    // From now on the filter keeps a method of its own, even the default one.
+    const bool followed = currentStack && followingDefault.remove(currentStack);
+    if (currentStack && !storeStack(currentStack, error)) {
+        if (followed)
+            followingDefault.insert(currentStack);
         return false;
+    }
     return verifySettings(error);
 }
