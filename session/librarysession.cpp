@@ -16,6 +16,7 @@
 
 using VeskSessionFiles::createDirectories;
 using VeskSessionFiles::diagnose;
+using VeskSessionFiles::nearestExisting;
 using VeskSessionFiles::writeProblem;
 
 namespace {
@@ -58,15 +59,12 @@ bool VeskLibrarySession::open(
         *error = vtr("the settings directory %1 is not a directory").arg(directory);
         return false;
     }
-    if (mode == ReadOnly) {
-        // Nothing to read and nothing to lock in a directory that is not
-        // there; the session reads empty settings.
-        if (place.exists()
-            && !lock->lock(directory, VeskSettingsLock::Shared, lockTimeoutMs, error))
-            return false;
-        return startLibrary(error);
-    }
+    if (mode == ReadOnly)
+        return lockForReading(lockTimeoutMs, error) && startLibrary(error);
 
+    VeskSettingsLock creation;
+    if (!lockCreation(&creation, lockTimeoutMs, error))
+        return false;
     QString reason;
     if (!createDirectories(directory, journal.get(), &reason)) {
         journal->restore(nullptr);
@@ -78,6 +76,8 @@ bool VeskLibrarySession::open(
         journal->clear();
         return false;
     }
+    creation.unlock();
+    VeskSessionFiles::removeSettingsLeftovers(directory);
     const QString settingsFile = directory + QLatin1String("/settings.dat");
     const QString filterDir = directory + QLatin1String("/roster_filters");
     if (QFileInfo::exists(settingsFile) && !QFileInfo(settingsFile).isFile()) {
@@ -93,6 +93,46 @@ bool VeskLibrarySession::open(
     }
     rollback();
     close();
+    return false;
+}
+
+// A directory that does not exist may be created by a writer at any moment:
+// the lock of the directory it is created in keeps the two apart. A few
+// tries, since the directory may appear while the lock is awaited.
+bool VeskLibrarySession::lockForReading(int timeoutMs, QString *error)
+{
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        if (QFileInfo::exists(directory))
+            return lock->lock(directory, VeskSettingsLock::Shared, timeoutMs, error);
+        const QString parent = nearestExisting(directory);
+        // Below a file nothing can be created: there is nothing to read.
+        if (!QFileInfo(parent).isDir())
+            return true;
+        if (!lock->lock(parent, VeskSettingsLock::Shared, timeoutMs, error))
+            return false;
+        if (!QFileInfo::exists(directory) && nearestExisting(directory) == parent)
+            return true;
+        lock->unlock();
+    }
+    *error = vtr("the settings directory %1 keeps changing; try again").arg(directory);
+    return false;
+}
+
+bool VeskLibrarySession::lockCreation(VeskSettingsLock *creation, int timeoutMs, QString *error)
+{
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        if (QFileInfo::exists(directory))
+            return true;
+        const QString parent = nearestExisting(directory);
+        if (!QFileInfo(parent).isDir())
+            return true; // creating fails, and says why
+        if (!creation->lock(parent, VeskSettingsLock::Exclusive, timeoutMs, error))
+            return false;
+        if (!QFileInfo::exists(directory) && nearestExisting(directory) == parent)
+            return true;
+        creation->unlock();
+    }
+    *error = vtr("the settings directory %1 keeps changing; try again").arg(directory);
     return false;
 }
 

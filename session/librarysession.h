@@ -26,7 +26,11 @@ class VeskSettingsLock;
 // The session holds a lock on the directory from open() to close():
 // exclusive for ReadWrite, so that runs are serialised rather than
 // interleaved, shared for ReadOnly. A ReadOnly session never writes: what the
-// library stores (it does while it starts) stays in memory.
+// library stores (it does while it starts) stays in memory. A directory that
+// is not there yet cannot be locked: a writer creates it under an exclusive
+// lock of the nearest directory that exists, and a reader of the missing
+// directory holds a shared lock of that one instead, so it reads either
+// nothing or everything a writer stored.
 //
 // The library's managers are singletons, so one session is open at a time.
 // Nothing here prints; errors are one translated sentence each.
@@ -138,6 +142,8 @@ public:
 
 private:
     bool startLibrary(QString *error);
+    bool lockForReading(int timeoutMs, QString *error);
+    bool lockCreation(VeskSettingsLock *creation, int timeoutMs, QString *error);
     bool isWritable(QString *error) const;
     void findUnreadable();
     void findFiltersWithoutMethod();

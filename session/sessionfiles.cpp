@@ -6,6 +6,7 @@
 
 #include <veskstackfile_p.h>
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QXmlStreamReader>
@@ -120,6 +121,30 @@ QString diagnose(const QString &path)
     if (conditions == 0)
         return vtr("it holds no conditions");
     return QString();
+}
+
+QString nearestExisting(const QString &path)
+{
+    QString dir = path;
+    while (!QFileInfo::exists(dir) && !QFileInfo(dir).isSymLink()) {
+        const QString parent = QFileInfo(dir).path();
+        if (parent == dir)
+            break;
+        dir = parent;
+    }
+    return dir;
+}
+
+void removeSettingsLeftovers(const QString &dir)
+{
+    // The settings are saved through a temporary file named after the
+    // settings file ("settings.dat.XXXXXX") that replaces it when complete.
+    const QFileInfoList leftovers = QDir(dir).entryInfoList({ QStringLiteral("settings.dat.*") },
+        QDir::Files | QDir::Hidden | QDir::System, QDir::NoSort);
+    for (const QFileInfo &leftover : leftovers) {
+        if (leftover.isFile() && !leftover.isSymLink())
+            QFile::remove(leftover.filePath());
+    }
 }
 
 } // namespace VeskSessionFiles

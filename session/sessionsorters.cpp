@@ -6,6 +6,7 @@
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskrostersortersmanager.h>
+#include <vesksettingsmanager.h>
 
 bool VeskLibrarySession::storeSorter(
     const QString &name, const QStringList &ids, const QStringList &ascending, QString *error)
@@ -32,6 +33,10 @@ bool VeskLibrarySession::removeSorter(const QString &name, QString *error)
         return false;
     }
     sortersManager->removeSorter(name);
+    // The library keeps the method's directions; a method stored later under
+    // the same name without directions of its own would take them over.
+    if (VeskSettingsManagerPrivate *settings = VeskSettingsManagerPrivate::settingsMgrPrivInstance)
+        settings->removeKey(QLatin1String("sorter_asc_") + name);
     // The library would go on announcing a method that is gone as the
     // default, and no name could bring back the built-in order.
     if (sortersManager->getDefault() == name)
