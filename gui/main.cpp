@@ -1,7 +1,7 @@
-#include "filtereditor.h"
+#include "filtersdialog.h"
 #include "mainwindow.h"
 #include "rosterlibrary.h"
-#include "sortereditor.h"
+#include "sortingdialog.h"
 
 #include <librarysession.h>
 #include <rosterfile.h>
