@@ -6,6 +6,7 @@
 
 #include <veskrosterfiltersstack.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
@@ -245,6 +246,9 @@ void VeskFilterEditorWidget::addItems(
 
 void VeskFilterEditorWidget::showNode()
 {
+    // Keys must not go nowhere when the editor that had them goes.
+    if (conditionEditor && conditionEditor->isAncestorOf(QApplication::focusWidget()))
+        tree->setFocus();
     delete conditionEditor;
     conditionEditor = nullptr;
     while (fieldLayout->rowCount() > 0)
