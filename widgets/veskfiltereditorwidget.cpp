@@ -69,6 +69,9 @@ VeskFilterEditorWidget::VeskFilterEditorWidget(QWidget *parent)
     moving->addStretch();
     form->addRow(QString(), moving);
     treeButtons = { addButton, stackButton, removeButton, upButton, downButton };
+    const char *buttonNames[] = { "add", "addStack", "remove", "up", "down" };
+    for (int i = 0; i < treeButtons.size(); ++i)
+        treeButtons.at(i)->setObjectName(QLatin1String(buttonNames[i]));
     auto *deleteKey
         = new QShortcut(QKeySequence::Delete, tree, nullptr, nullptr, Qt::WidgetShortcut);
     connect(deleteKey, &QShortcut::activated, removeButton, &QPushButton::click);

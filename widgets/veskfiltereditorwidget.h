@@ -26,6 +26,10 @@ class VeskRosterFiltersStack;
 // returns to the filter as it was given. It stores nothing; what happens to
 // the edited tree is the caller's business.
 //
+// Controls a client may look up by object name: "conditions" (the tree),
+// "kind", "join", "advanced", "display", the buttons "add", "addStack",
+// "remove", "up", "down", and each field editor under its field's id.
+//
 // Keys (active in the whole window): Ins adds a condition of the kind chosen
 // in "Kind" (Alt+K), Ctrl+Ins a nested stack, Ctrl+Up/Ctrl+Down move the
 // selected node; Delete in the tree removes it; Alt+J chooses AND or OR for
