@@ -26,7 +26,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # installed package yet, which dpkg-shlibdeps is told to accept.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
     ${PROJECT_BINARY_DIR} ${PROJECT_BINARY_DIR}/host ${PROJECT_BINARY_DIR}/host/standin
-    ${PROJECT_BINARY_DIR}/models)
+    ${PROJECT_BINARY_DIR}/models ${PROJECT_BINARY_DIR}/widgets)
 
 string(TOLOWER "libvesk-gui-roster-filter${VESK_LIBRARY_SUFFIX}" vesk_deb_library)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${vesk_deb_library}-0)
@@ -34,8 +34,8 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "roster filters and sorting methods for an instant-messaging client
 The shared libraries an instant-messaging desktop client loads to decide
 which entries of the contact list are shown and in which order: the filter
-library, the host classes it consumes and a proxy model for Qt views, with
-the library's translations.")
+library, the host classes it consumes, a proxy model for Qt views and the
+filter and sorting-method editor widgets, with their translations.")
 # A shlibs file, so that packages built against these libraries depend on
 # this version or later; ldconfig runs through dpkg's trigger.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
@@ -48,7 +48,8 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qt${QT_MAJOR_VERSION}-base-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "roster filters and sorting methods - development files
 Headers, the CMake package VeskRosterFilter and pkg-config files for
-building a client on the roster filter library and its proxy model.")
+building a client on the roster filter library, its proxy model and its
+editor widgets.")
 
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME vesk-roster)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION net)

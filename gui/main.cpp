@@ -1,7 +1,7 @@
-#include "filtereditor.h"
+#include "filtersdialog.h"
 #include "mainwindow.h"
 #include "rosterlibrary.h"
-#include "sortereditor.h"
+#include "sortingdialog.h"
 
 #include <librarysession.h>
 #include <rosterfile.h>
@@ -31,7 +31,8 @@ void installTranslations(QCoreApplication &app)
     const QString here = QCoreApplication::applicationDirPath();
     const QStringList dirs = { here, here + QLatin1String("/../translations"),
         here + QLatin1String("/" VESK_TRANSLATIONS_FROM_BIN) };
-    for (const char *catalogue : { "vesk_roster_gui", "vesk_gui_roster_filter" }) {
+    for (const char *catalogue :
+        { "vesk_roster_gui", "vesk_gui_roster_widgets", "vesk_gui_roster_filter" }) {
         auto *translator = new QTranslator(&app);
         const QString name = QString::fromLatin1(catalogue);
         bool loaded = false;

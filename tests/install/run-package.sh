@@ -38,7 +38,7 @@ expect "$programs.files" usr/bin/vesk-roster usr/bin/vesk-roster-gui \
     usr/share/icons/hicolor/scalable/apps/org.vesk.VeskRosterGui.svg \
     usr/share/vesk_gui_roster_filter/translations/vesk_roster_gui_de.qm
 expect "$runtime.files" "usr/lib/.*libvesk_gui_roster_filter$suffix\.so\.0(\..*)?" \
-    "usr/lib/.*libvesk_host$suffix\.so\.0(\..*)?" \
+    "usr/lib/.*libvesk_host$suffix\.so\.0(\..*)?" "usr/lib/.*libvesk_gui_roster_widgets$suffix\.so\.0(\..*)?" \
     usr/share/vesk_gui_roster_filter/translations/vesk_gui_roster_filter_de.qm
 expect "$dev.files" 'usr/include/vesk_gui_roster_filter/veskrosterfiltersmanager.h' \
     "usr/lib/.*libvesk_gui_roster_filter$suffix\.so" "usr/lib/(.*/)?pkgconfig/vesk_gui_roster_filter$suffix\.pc" \
