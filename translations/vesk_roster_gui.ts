@@ -164,19 +164,11 @@
 <context>
     <name>main</name>
     <message>
-        <source>The roster window.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>The settings directory (as vesk-roster&apos;s).</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>DIR</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>The roster file (JSON); the bundled sample without it.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -197,6 +189,24 @@
     </message>
     <message>
         <source>Save pictures of the window and the editors in DIR, then quit.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The roster file (JSON), - for standard input; the bundled sample without it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The roster window: the roster through the current filter and sorting method,
+with the editors of filters and sorting methods.
+
+Files:
+  $XDG_CONFIG_HOME/vesk-roster (or ~/.config/vesk-roster)
+      the settings directory, shared with vesk-roster
+
+Exit status:
+  0  the window was closed
+  1  the command line was wrong
+  2  the roster or the settings could not be read (a message says why)</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

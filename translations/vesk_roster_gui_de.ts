@@ -369,7 +369,7 @@
     <name>main</name>
     <message>
         <source>The roster window.</source>
-        <translation>Das Fenster der Kontaktliste.</translation>
+        <translation type="vanished">Das Fenster der Kontaktliste.</translation>
     </message>
     <message>
         <source>The settings directory (as vesk-roster&apos;s).</source>
@@ -381,7 +381,7 @@
     </message>
     <message>
         <source>The roster file (JSON); the bundled sample without it.</source>
-        <translation>Die Datei der Kontaktliste (JSON); ohne sie das mitgelieferte Beispiel.</translation>
+        <translation type="vanished">Die Datei der Kontaktliste (JSON); ohne sie das mitgelieferte Beispiel.</translation>
     </message>
     <message>
         <source>FILE</source>
@@ -402,6 +402,34 @@
     <message>
         <source>Save pictures of the window and the editors in DIR, then quit.</source>
         <translation>Bilder des Fensters und der Editoren in VERZ speichern, dann beenden.</translation>
+    </message>
+    <message>
+        <source>The roster file (JSON), - for standard input; the bundled sample without it.</source>
+        <translation>Die Datei der Kontaktliste (JSON), - für die Standardeingabe; ohne sie das mitgelieferte Beispiel.</translation>
+    </message>
+    <message>
+        <source>The roster window: the roster through the current filter and sorting method,
+with the editors of filters and sorting methods.
+
+Files:
+  $XDG_CONFIG_HOME/vesk-roster (or ~/.config/vesk-roster)
+      the settings directory, shared with vesk-roster
+
+Exit status:
+  0  the window was closed
+  1  the command line was wrong
+  2  the roster or the settings could not be read (a message says why)</source>
+        <translation>Das Fenster der Kontaktliste: die Kontaktliste durch den aktuellen Filter und die
+aktuelle Sortierung, mit den Editoren für Filter und Sortierungen.
+
+Dateien:
+  $XDG_CONFIG_HOME/vesk-roster (oder ~/.config/vesk-roster)
+      das Einstellungsverzeichnis, gemeinsam mit vesk-roster
+
+Rückgabewert:
+  0  das Fenster wurde geschlossen
+  1  die Befehlszeile war falsch
+  2  die Kontaktliste oder die Einstellungen ließen sich nicht lesen (eine Meldung sagt, warum)</translation>
     </message>
 </context>
 </TS>
