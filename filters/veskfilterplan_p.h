@@ -32,6 +32,14 @@ public:
     // nothing is kept from one call to the next.
     Q_ALWAYS_INLINE bool evaluate(const VeskBuddy &buddy) const;
 
+    // The same for an entry read through `reader` (see veskleafrule_p.h).
+    template <class Entry> bool evaluate(Entry &reader, const VeskBuddy &buddy) const
+    {
+        return entry < 0 ? entry == Pass : run(reader, buddy);
+    }
+    bool readsPresence() const { return readsPresenceId; }
+    bool readsStatusText() const { return readsDescription; }
+
     // A leaf's condition changed: every stack above it prepares again.
     static void conditionChanged(const VeskRosterFilter *leaf);
 

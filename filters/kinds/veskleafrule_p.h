@@ -170,6 +170,11 @@ public:
         return text(Uid);
     }
 
+    // The quick search's questions (see vesksearchfold_p.h), for a needle
+    // with foundIn(const QString &).
+    template <class Needle> bool uidHas(Needle &needle) { return needle.foundIn(uid()); }
+    template <class Needle> bool groupHas(Needle &needle) { return needle.foundIn(group()); }
+
 private:
     enum Piece { Display, PresenceId, Description, Group, Protocol, Uid, PieceCount };
     enum : unsigned {
