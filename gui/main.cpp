@@ -1,6 +1,7 @@
 #include "filtereditor.h"
 #include "mainwindow.h"
 #include "rosterlibrary.h"
+#include "searchbar.h"
 #include "sortereditor.h"
 
 #include <librarysession.h>
@@ -11,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QLibraryInfo>
+#include <QLineEdit>
 #include <QLocale>
 #include <QMessageBox>
 #include <QTranslator>
@@ -49,6 +51,12 @@ int takeScreenshots(VeskRosterWindow &window, const QString &dir)
     window.show();
     QApplication::processEvents();
     bool saved = window.grab().save(dir + QLatin1String("/roster-window.png"));
+    // The quick search, typed.
+    window.searchBar()->field()->setText(QStringLiteral("an"));
+    QApplication::processEvents();
+    saved = window.grab().save(dir + QLatin1String("/roster-search.png")) && saved;
+    window.searchBar()->field()->clear();
+    QApplication::processEvents();
     const QList<std::pair<QDialog *, const char *>> editors
         = { { new VeskFilterEditor(window.library(), &window), "filter-editor.png" },
               { new VeskSorterEditor(window.library(), &window), "sorting-editor.png" } };
