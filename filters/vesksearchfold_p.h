@@ -48,7 +48,7 @@ public:
     }
 
 private:
-    const QString &needle;
+    const QString needle;
     QString buffer;
 };
 
