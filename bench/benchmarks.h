@@ -13,5 +13,7 @@ void registerPairedFilterBenchmarks(int contacts);
 void registerPairedSortBenchmarks(int contacts);
 // Sorting a whole list at once against a hand-written sort over collation keys.
 void registerBulkSortBenchmarks(int contacts);
+// The whole-roster call against the fastest hand-written per-entry predicate.
+void registerWholeRosterBenchmarks(int contacts);
 void registerStartUpBenchmarks();
 void registerSaveBenchmarks();

@@ -16,6 +16,8 @@ int main(int argc, char **argv)
 
     for (const int contacts : { 1000, 3000, 10000, 30000, 100000, 1000000 }) {
         registerPairedFilterBenchmarks(contacts);
+        if (contacts == 10000 || contacts == 100000 || contacts == 1000000)
+            registerWholeRosterBenchmarks(contacts);
         if (contacts == 3000 || contacts == 30000)
             continue;
         registerFilterBenchmarks(contacts);

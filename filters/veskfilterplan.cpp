@@ -8,23 +8,8 @@
 #include "veskpresencefilter.h"
 #include "veskprotocolfilter.h"
 #include "veskrosterfiltersstack.h"
-#include "vesktextcondition_p.h"
 
 #include <typeinfo>
-
-VeskFilterPlan::Test VeskFilterPlan::textTest(Test equals, int mode)
-{
-    switch (mode) {
-    case VeskTextCondition::Contains:
-        return Test(int(equals) + 1);
-    case VeskTextCondition::DoesNotContain:
-        return Test(int(equals) + 2);
-    case VeskTextCondition::NotEmpty:
-        return Test(int(equals) + 3);
-    default:
-        return equals;
-    }
-}
 
 VeskFilterPlan::VeskFilterPlan(const VeskRosterFiltersStack &stack)
 {
@@ -38,7 +23,7 @@ VeskFilterPlan::VeskFilterPlan(const VeskRosterFiltersStack &stack)
 int VeskFilterPlan::compile(const VeskRosterFilter *filter, int onTrue, int onFalse, bool isRoot)
 {
     const std::type_info &type = typeid(*filter);
-    Step step { Test::Opaque, true, onTrue, onFalse, QString(), filter };
+    Step step { Test::Opaque, true, 0, onTrue, onFalse, QString(), filter };
     // A stack of a subclass may answer otherwise (the default filter passes
     // everything); only plain stacks are taken apart. The root is the stack
     // the plan is for, whichever class asks.
@@ -66,11 +51,13 @@ int VeskFilterPlan::compile(const VeskRosterFilter *filter, int onTrue, int onFa
         return onTrue;
     } else if (type == typeid(VeskDisplayFilter)) {
         auto *leaf = static_cast<const VeskDisplayFilter *>(filter);
-        step.test = textTest(Test::DisplayEquals, leaf->matchMode);
+        step.test = Test::Display;
+        step.mode = leaf->matchMode;
         step.value = leaf->matchText;
     } else if (type == typeid(VeskDescriptionFilter)) {
         auto *leaf = static_cast<const VeskDescriptionFilter *>(filter);
-        step.test = textTest(Test::DescriptionEquals, leaf->matchMode);
+        step.test = Test::Description;
+        step.mode = leaf->matchMode;
         step.value = leaf->matchText;
         readsDescription = true;
     } else if (type == typeid(VeskGroupFilter)) {

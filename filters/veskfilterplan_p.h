@@ -6,6 +6,7 @@
 // copies.
 
 #include "veskchoicecondition_p.h"
+#include "veskleafrule_p.h"
 #include "veskrosterfiltersstack.h"
 
 #include <veskaccount.h>
@@ -16,7 +17,6 @@
 #include <QString>
 #include <QtAlgorithms>
 
-#include <new>
 #include <vector>
 
 class VeskRosterFiltersStack;
@@ -32,6 +32,14 @@ public:
     // nothing is kept from one call to the next.
     Q_ALWAYS_INLINE bool evaluate(const VeskBuddy &buddy) const;
 
+    // The same for an entry read through `reader` (see veskleafrule_p.h).
+    template <class Entry> bool evaluate(Entry &reader, const VeskBuddy &buddy) const
+    {
+        return entry < 0 ? entry == Pass : run(reader, buddy);
+    }
+    bool readsPresence() const { return readsPresenceId; }
+    bool readsStatusText() const { return readsDescription; }
+
     // A leaf's condition changed: every stack above it prepares again.
     static void conditionChanged(const VeskRosterFilter *leaf);
 
@@ -40,17 +48,11 @@ public:
     VeskFilterPlan *nextRetired = nullptr;
 
 private:
-    // One test per leaf; a text leaf's condition is part of its test.
+    // One test per leaf, each the leaf's own rule.
     enum class Test : unsigned char {
         Opaque, // a filter of a class the library does not know: asked itself
-        DisplayEquals,
-        DisplayContains,
-        DisplayLacks,
-        DisplayNotEmpty,
-        DescriptionEquals,
-        DescriptionContains,
-        DescriptionLacks,
-        DescriptionNotEmpty,
+        Display,
+        Description,
         Group,
         Account,
         Protocol,
@@ -63,17 +65,16 @@ private:
     {
         Test test;
         bool positive;
+        int mode; // of a text leaf's condition
         int onTrue;
         int onFalse;
         QString value;
         const VeskRosterFilter *filter;
     };
-    class Subject;
 
     int compile(const VeskRosterFilter *filter, int onTrue, int onFalse, bool isRoot);
-    static Test textTest(Test equals, int mode);
-    static inline bool textMatches(
-        Test test, Test equals, const QString &needle, const QString &text);
+    // The walk over the steps, for any reader of the entry (see veskleafrule_p.h).
+    template <class Entry> Q_ALWAYS_INLINE bool run(Entry &entry, const VeskBuddy &buddy) const;
 
     std::vector<Step> steps;
     int entry = Fail;
@@ -81,197 +82,35 @@ private:
     bool readsDescription = false;
 };
 
-// One entry as the tests of one call see it: each piece read from the host on
-// first use, then reused by the later tests of the same call. The texts are
-// built in place only when read, so a call that reads one text pays for one.
-class VeskFilterPlan::Subject
+// Each test gives exactly the answer of the leaf it was made from: both ask
+// the same rule.
+template <class Entry>
+Q_ALWAYS_INLINE bool VeskFilterPlan::run(Entry &subject, const VeskBuddy &buddy) const
 {
-public:
-    Subject(const VeskBuddy &buddy, const VeskFilterPlan &plan)
-        : buddy(buddy)
-        , plan(plan)
-    { }
-    ~Subject()
-    {
-        for (unsigned pieces = read & AllTexts; pieces; pieces &= pieces - 1)
-            text(Piece(qCountTrailingZeroBits(pieces))).~QString();
-    }
-    Subject(const Subject &) = delete;
-    Subject &operator=(const Subject &) = delete;
-
-    const VeskBuddy &buddy;
-
-    int type()
-    {
-        if (!(read & TypeRead)) {
-            entryType = buddy.getType();
-            read |= TypeRead;
-        }
-        return entryType;
-    }
-    const QString &display()
-    {
-        if (!(read & bit(Display))) {
-            new (texts[Display]) QString(buddy.getDisplay());
-            read |= bit(Display);
-        }
-        return text(Display);
-    }
-    // Of a contact or a temporary contact.
-    const QString &presenceId()
-    {
-        readPresence();
-        return text(PresenceId);
-    }
-    // Of a contact.
-    const QString &description()
-    {
-        readPresence();
-        return text(Description);
-    }
-    const QString &group()
-    {
-        if (!(read & bit(Group))) {
-            const int kind = type();
-            setText(Group,
-                kind == VeskEntryKind::Contact ? VeskBuddyContact(buddy).getParent().getDisplay()
-                    : kind == VeskEntryKind::Temporary
-                    ? VeskBuddyTemporary(buddy).getGroup().getDisplay()
-                    : QString());
-        }
-        return text(Group);
-    }
-    const VeskAccountConnection *account()
-    {
-        if (!(read & AccountRead)) {
-            const int kind = type();
-            entryAccount = kind == VeskEntryKind::Contact ? VeskBuddyContact(buddy).getAccount()
-                : kind == VeskEntryKind::Temporary        ? VeskBuddyTemporary(buddy).getAccount()
-                                                          : nullptr;
-            read |= AccountRead;
-        }
-        return entryAccount;
-    }
-    // Of an entry with an account.
-    const QString &protocolName()
-    {
-        if (!(read & bit(Protocol)))
-            setText(Protocol, entryAccount->getProtocolName());
-        return text(Protocol);
-    }
-    const QString &uid()
-    {
-        if (!(read & bit(Uid)))
-            setText(Uid, entryAccount->getUid());
-        return text(Uid);
-    }
-
-private:
-    enum Piece { Display, PresenceId, Description, Group, Protocol, Uid, PieceCount };
-    enum : unsigned {
-        AllTexts = (1u << PieceCount) - 1,
-        TypeRead = 1u << 8,
-        AccountRead = 1u << 9,
-        PresenceRead = 1u << 10,
-    };
-    static unsigned bit(Piece piece) { return 1u << piece; }
-
-    QString &text(Piece piece) { return *std::launder(reinterpret_cast<QString *>(texts[piece])); }
-    void setText(Piece piece, QString &&value)
-    {
-        new (texts[piece]) QString(std::move(value));
-        read |= bit(piece);
-    }
-    void readPresence()
-    {
-        if (read & PresenceRead)
-            return;
-        read |= PresenceRead;
-        QString id, description;
-        if (type() == VeskEntryKind::Contact) {
-            const VeskPresence current = VeskBuddyContact(buddy).getPresence();
-            if (plan.readsPresenceId)
-                id = current.getId();
-            if (plan.readsDescription)
-                description = current.getDescription();
-        } else if (plan.readsPresenceId) {
-            id = VeskBuddyTemporary(buddy).getPresence().getId();
-        }
-        setText(PresenceId, std::move(id));
-        setText(Description, std::move(description));
-    }
-
-    const VeskFilterPlan &plan;
-    unsigned read = 0;
-    int entryType = 0;
-    const VeskAccountConnection *entryAccount = nullptr;
-    alignas(QString) unsigned char texts[PieceCount][sizeof(QString)];
-};
-
-inline bool VeskFilterPlan::textMatches(
-    Test test, Test equals, const QString &needle, const QString &text)
-{
-    switch (int(test) - int(equals)) {
-    case 0:
-        return text == needle;
-    case 1:
-        return text.contains(needle, Qt::CaseSensitive);
-    case 2:
-        // Every text contains the empty text, so an empty needle passes nothing.
-        return !text.contains(needle, Qt::CaseSensitive);
-    default:
-        return !text.isEmpty();
-    }
-}
-
-// Each test gives exactly the answer of the leaf it was made from.
-Q_ALWAYS_INLINE bool VeskFilterPlan::evaluate(const VeskBuddy &buddy) const
-{
-    if (entry < 0)
-        return entry == Pass;
-    Subject subject(buddy, *this);
     const Step *all = steps.data();
     int at = entry;
     do {
         const Step &step = all[at];
         bool passes;
         switch (step.test) {
-        case Test::DisplayContains:
-            passes = subject.display().contains(step.value, Qt::CaseSensitive);
+        case Test::Display:
+            passes = VeskLeafRule::display(subject, step.mode, step.value);
             break;
-        case Test::DisplayEquals:
-        case Test::DisplayLacks:
-        case Test::DisplayNotEmpty:
-            passes = textMatches(step.test, Test::DisplayEquals, step.value, subject.display());
-            break;
-        case Test::DescriptionEquals:
-        case Test::DescriptionContains:
-        case Test::DescriptionLacks:
-        case Test::DescriptionNotEmpty:
-            passes = subject.type() == VeskEntryKind::Contact
-                && textMatches(
-                    step.test, Test::DescriptionEquals, step.value, subject.description());
+        case Test::Description:
+            passes = VeskLeafRule::description(subject, step.mode, step.value);
             break;
         case Test::Group:
-            passes = (subject.group() == step.value) == step.positive;
+            passes = VeskLeafRule::group(subject, step.value, step.positive);
             break;
         case Test::Account:
-            passes = subject.account() ? VeskChoiceCondition::isAccountIdentity(
-                                             step.value, subject.uid(), subject.protocolName())
-                    == step.positive
-                                       : !step.positive;
+            passes = VeskLeafRule::account(subject, step.value, step.positive);
             break;
         case Test::Protocol:
-            passes = subject.account() ? (subject.protocolName() == step.value) == step.positive
-                                       : !step.positive;
+            passes = VeskLeafRule::protocol(subject, step.value, step.positive);
             break;
-        case Test::Presence: {
-            const int type = subject.type();
-            passes = type == VeskEntryKind::Contact || type == VeskEntryKind::Temporary
-                ? (subject.presenceId() == step.value) == step.positive
-                : !step.positive;
+        case Test::Presence:
+            passes = VeskLeafRule::presence(subject, step.value, step.positive);
             break;
-        }
         default:
             passes = step.filter->filter(buddy);
             break;
@@ -279,6 +118,14 @@ Q_ALWAYS_INLINE bool VeskFilterPlan::evaluate(const VeskBuddy &buddy) const
         at = passes ? step.onTrue : step.onFalse;
     } while (at >= 0);
     return at == Pass;
+}
+
+Q_ALWAYS_INLINE bool VeskFilterPlan::evaluate(const VeskBuddy &buddy) const
+{
+    if (entry < 0)
+        return entry == Pass;
+    VeskEntryReader subject(buddy, readsPresenceId, readsDescription);
+    return run(subject, buddy);
 }
 
 inline bool VeskRosterFiltersStack::walk(const VeskBuddy &buddy) const

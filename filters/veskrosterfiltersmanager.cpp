@@ -1,6 +1,7 @@
 #include "veskrosterfiltersmanager.h"
 
 #include "veskfilterplan_p.h"
+#include "veskrosterpass_p.h"
 
 #include "veskaccountfilter.h"
 #include "veskdefaultfilter.h"
@@ -95,6 +96,23 @@ bool VeskRosterFiltersManager::filter(const VeskBuddy &buddy) const
     if (currentStack)
         return currentStack->walk(buddy);
     return !current || current->filter(buddy);
+}
+
+QVector<int> VeskRosterFiltersManager::filterEntries(const QVector<VeskBuddy> &entries) const
+{
+    return VeskRosterPass::passAll(current, currentStack, nullptr, entries);
+}
+
+bool VeskRosterFiltersManager::filter(
+    const VeskBuddy &buddy, const VeskRosterQuickSearch &search) const
+{
+    return VeskRosterPass::passesOne(current, currentStack, &search, buddy);
+}
+
+QVector<int> VeskRosterFiltersManager::filterEntries(
+    const QVector<VeskBuddy> &entries, const VeskRosterQuickSearch &search) const
+{
+    return VeskRosterPass::passAll(current, currentStack, &search, entries);
 }
 
 VeskRosterFilter *VeskRosterFiltersManager::getCurrentFilter()

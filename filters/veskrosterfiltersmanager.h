@@ -5,9 +5,11 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 class VeskBuddy;
 class VeskRosterFiltersStack;
+class VeskRosterQuickSearch;
 
 // Holds the user's stack filters, their display order and the current filter,
 // answers the roster view through the current filter, and creates filters by
@@ -22,6 +24,15 @@ public:
     ~VeskRosterFiltersManager();
 
     bool filter(const VeskBuddy &buddy) const;
+    // The whole-roster call: the indices of the entries that filter() passes,
+    // in order, answered in one call that reads what entries share once.
+    QVector<int> filterEntries(const QVector<VeskBuddy> &entries) const;
+    // What the view shows while a quick search is typed: the current filter
+    // narrowed by the search (or the search alone, by its scope); an empty
+    // search gives filter()'s answers.
+    bool filter(const VeskBuddy &buddy, const VeskRosterQuickSearch &search) const;
+    QVector<int> filterEntries(
+        const QVector<VeskBuddy> &entries, const VeskRosterQuickSearch &search) const;
     VeskRosterFilter *getCurrentFilter();
     QString getCurrentFilterName() const;
     void setCurrentFilter(const QString &id);

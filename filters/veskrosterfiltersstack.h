@@ -32,6 +32,7 @@ public:
 
 private:
     friend class VeskFilterPlan;
+    friend class VeskRosterPass; // the whole-roster call walks the plan itself
     friend class VeskRosterFiltersManager; // walks its current stack without a virtual call
     Q_DISABLE_COPY(VeskRosterFiltersStack)
 

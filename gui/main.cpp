@@ -1,6 +1,7 @@
 #include "filtersdialog.h"
 #include "mainwindow.h"
 #include "rosterlibrary.h"
+#include "searchbar.h"
 #include "sortingdialog.h"
 
 #include <librarysession.h>
@@ -12,6 +13,7 @@
 #include <QFile>
 #include <QIcon>
 #include <QLibraryInfo>
+#include <QLineEdit>
 #include <QLocale>
 #include <QMessageBox>
 #include <QTranslator>
@@ -63,6 +65,12 @@ int takeScreenshots(VeskRosterWindow &window, const QString &dir)
     window.show();
     QApplication::processEvents();
     bool saved = window.grab().save(dir + QLatin1String("/roster-window.png"));
+    // The quick search, typed.
+    window.searchBar()->field()->setText(QStringLiteral("an"));
+    QApplication::processEvents();
+    saved = window.grab().save(dir + QLatin1String("/roster-search.png")) && saved;
+    window.searchBar()->field()->clear();
+    QApplication::processEvents();
     const QList<std::pair<QDialog *, const char *>> editors
         = { { new VeskFilterEditor(window.library(), &window), "filter-editor.png" },
               { new VeskSorterEditor(window.library(), &window), "sorting-editor.png" } };

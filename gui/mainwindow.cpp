@@ -3,6 +3,7 @@
 #include "filtersdialog.h"
 #include "rosterlibrary.h"
 #include "rostertreemodel.h"
+#include "searchbar.h"
 #include "sortingdialog.h"
 
 #include <librarysession.h>
@@ -21,10 +22,12 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QStyledItemDelegate>
 #include <QToolBar>
 #include <QTreeView>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -41,11 +44,12 @@ QString currentMethod(const VeskLibrarySession &session)
     return filter->getSorter();
 }
 
-// Group rows read "Friends (3/10)": members shown of members held.
-class GroupCountDelegate : public QStyledItemDelegate
+// Group rows read "Friends (3/10)": members shown of members held; the
+// search's match is highlighted in members' names.
+class GroupCountDelegate : public VeskSearchHighlightDelegate
 {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    using VeskSearchHighlightDelegate::VeskSearchHighlightDelegate;
 
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
@@ -72,6 +76,7 @@ VeskRosterWindow::VeskRosterWindow(VeskRosterLibrary *library, QWidget *parent)
     , rosterModel(new VeskRosterTreeModel(this))
     , proxyModel(new VeskRosterProxyModel(this))
     , tree(new QTreeView(this))
+    , search(new VeskSearchBar(proxyModel, this))
     , filterCombo(new QComboBox(this))
     , sorterCombo(new QComboBox(this))
     , statusLabel(new QLabel(this))
@@ -99,7 +104,24 @@ VeskRosterWindow::VeskRosterWindow(VeskRosterLibrary *library, QWidget *parent)
     tree->setColumnWidth(2, 190);
     tree->setColumnWidth(3, 190);
     tree->setColumnWidth(4, 60);
-    setCentralWidget(tree);
+    auto *central = new QWidget(this);
+    auto *column = new QVBoxLayout(central);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(search);
+    column->addWidget(tree, 1);
+    setCentralWidget(central);
+    auto *find = new QShortcut(QKeySequence::Find, this);
+    connect(find, &QShortcut::activated, search, &VeskSearchBar::focusField);
+    connect(search, &VeskSearchBar::searchChanged, this, &VeskRosterWindow::countShown);
+    // Groups that a search shows again open, as they were before it.
+    connect(proxyModel, &QAbstractItemModel::rowsInserted, this,
+        [this](const QModelIndex &parent, int first, int last) {
+            if (parent.isValid())
+                return;
+            for (int row = first; row <= last; ++row)
+                tree->expand(proxyModel->index(row, 0));
+        });
 
     auto *bar = addToolBar(tr("Roster"));
     bar->setObjectName(QStringLiteral("choosers"));
@@ -137,6 +159,8 @@ VeskRosterWindow::VeskRosterWindow(VeskRosterLibrary *library, QWidget *parent)
     bar->addAction(simulateAction);
 
     statusLabel->setObjectName(QStringLiteral("status"));
+    // It quotes what the user typed, which is never markup.
+    statusLabel->setTextFormat(Qt::PlainText);
     statusBar()->addWidget(statusLabel);
 
     simulation.setInterval(800);
@@ -300,8 +324,13 @@ void VeskRosterWindow::countShown()
         else
             ++shown;
     }
-    statusLabel->setText(
-        tr("%1 of %2 entries shown").arg(shown).arg(rosterModel->members().size()));
+    const QString text = search->text();
+    statusLabel->setText(text.isEmpty()
+            ? tr("%1 of %2 entries shown").arg(shown).arg(rosterModel->members().size())
+            : tr("%1 of %2 entries shown, searching for %3")
+                  .arg(shown)
+                  .arg(rosterModel->members().size())
+                  .arg(text));
 }
 
 void VeskRosterWindow::showError(const QString &error)

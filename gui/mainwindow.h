@@ -14,6 +14,7 @@ class QTreeView;
 class VeskRosterLibrary;
 class VeskRosterProxyModel;
 class VeskRosterTreeModel;
+class VeskSearchBar;
 
 // The roster window: the roster as the current filter and sorting method
 // show it, choosers for both, the two editors and a simulation of a roster
@@ -31,6 +32,7 @@ public:
     VeskRosterTreeModel *model() const { return rosterModel; }
     VeskRosterLibrary *library() const { return rosterLibrary; }
     QString statusText() const;
+    VeskSearchBar *searchBar() const { return search; }
 
 public Q_SLOTS:
     // Opens an editor (window-modal, without blocking) and keeps what it stores.
@@ -57,6 +59,7 @@ private:
     VeskRosterTreeModel *rosterModel;
     VeskRosterProxyModel *proxyModel;
     QTreeView *tree;
+    VeskSearchBar *search;
     QComboBox *filterCombo;
     QComboBox *sorterCombo;
     QLabel *statusLabel;

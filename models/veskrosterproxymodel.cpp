@@ -68,6 +68,69 @@ void VeskRosterProxyModel::setCurrentSorter(const QString &name)
     refresh();
 }
 
+void VeskRosterProxyModel::setQuickSearch(const QString &text)
+{
+    if (text == search.text())
+        return;
+    const VeskRosterQuickSearch next(text, search.scope());
+    // Growing: every member shown from now on is shown already. Shrinking:
+    // every member shown so far stays shown.
+    const bool narrowing = next.narrows(search);
+    const bool widening = search.narrows(next);
+    for (auto &level : levels)
+        searchLevel(level.second, next, narrowing, widening);
+    search = next;
+    invalidateFilter();
+}
+
+void VeskRosterProxyModel::searchLevel(
+    Level &level, const VeskRosterQuickSearch &next, bool narrowing, bool widening) const
+{
+    const int rows = int(level.passes.size());
+    if (next.isEmpty()) {
+        level.passes = level.filterPasses;
+        return;
+    }
+    const bool everyEntry = next.scope() == VeskRosterQuickSearch::EveryEntry;
+    QVector<VeskBuddy> asked;
+    QVector<int> askedRows;
+    for (int row = 0; row < rows; ++row) {
+        const char passes = level.passes.at(row);
+        // Rows whose data changed are asked directly when the proxy wants them.
+        if (passes == Unknown || level.filterPasses.at(row) == Unknown)
+            continue;
+        const bool candidate = narrowing ? passes == 1 : widening ? passes == 0 : true;
+        if (!candidate || (!everyEntry && level.filterPasses.at(row) != 1)
+            || !isMember(level.entries.at(row)))
+            continue;
+        asked.append(level.entries.at(row));
+        askedRows.append(row);
+        level.passes[row] = 0;
+    }
+    const QVector<int> matching = next.matching(asked);
+    for (const int i : matching)
+        level.passes[askedRows.at(i)] = 1;
+}
+
+QString VeskRosterProxyModel::quickSearch() const
+{
+    return search.text();
+}
+
+void VeskRosterProxyModel::setQuickSearchScope(VeskRosterQuickSearch::Scope scope)
+{
+    if (scope == search.scope())
+        return;
+    search.setScope(scope);
+    // The members in order are those the scope may show: learnt afresh.
+    refresh();
+}
+
+VeskRosterQuickSearch::Scope VeskRosterProxyModel::quickSearchScope() const
+{
+    return search.scope();
+}
+
 void VeskRosterProxyModel::setSourceModel(QAbstractItemModel *model)
 {
     for (const QMetaObject::Connection &connection : qAsConst(sourceConnections))
@@ -136,8 +199,10 @@ void VeskRosterProxyModel::learn(const QModelIndex &sourceParent)
     const QAbstractItemModel *source = sourceModel();
     const int rows = source->rowCount(sourceParent);
     Level level;
-    level.passes.fill(Unknown, rows);
+    level.passes.fill(0, rows);
+    level.filterPasses.fill(0, rows);
     level.rank.fill(-1, rows);
+    level.entries.reserve(rows);
     // Containers are few and keep to lessThan(): with positions, groups can
     // tie in ways that a bulk sort of a different list would order otherwise.
     QVector<VeskBuddy> members;
@@ -145,19 +210,44 @@ void VeskRosterProxyModel::learn(const QModelIndex &sourceParent)
     QVector<int> containerRows;
     for (int row = 0; row < rows; ++row) {
         const VeskBuddy entry = rosterEntry(source->index(row, 0, sourceParent));
-        const bool member = isMember(entry);
-        const bool passes = member && filters->filter(entry);
-        level.passes[row] = passes;
-        if (passes) {
+        level.entries.append(entry);
+        if (isMember(entry)) {
             members.append(entry);
             memberRows.append(row);
-        } else if (!member) {
+        } else {
             containerRows.append(row);
         }
     }
-    const QVector<int> order = viewOrder(members);
+    // The whole level in one call of the library, then the search over what
+    // it passed (or over every member). The members that the search may
+    // show later are put in order now, so that typing never sorts.
+    const bool everyEntry = search.scope() == VeskRosterQuickSearch::EveryEntry;
+    QVector<VeskBuddy> ranked;
+    QVector<int> rankedRows;
+    const QVector<int> passing = filters->filterEntries(members);
+    for (const int i : passing)
+        level.filterPasses[memberRows.at(i)] = 1;
+    if (everyEntry) {
+        ranked = members;
+        rankedRows = memberRows;
+    } else {
+        ranked.reserve(passing.size());
+        rankedRows.reserve(passing.size());
+        for (const int i : passing) {
+            ranked.append(members.at(i));
+            rankedRows.append(memberRows.at(i));
+        }
+    }
+    if (search.isEmpty()) {
+        level.passes = level.filterPasses;
+    } else {
+        const QVector<int> matching = search.matching(ranked);
+        for (const int i : matching)
+            level.passes[rankedRows.at(i)] = 1;
+    }
+    const QVector<int> order = viewOrder(ranked);
     for (int place = 0; place < order.size(); ++place)
-        level.rank[memberRows.at(order.at(place))] = place;
+        level.rank[rankedRows.at(order.at(place))] = place;
     levels[keyOf(sourceParent)] = std::move(level);
     lastLevel = nullptr;
     for (const int row : qAsConst(containerRows)) {
@@ -194,6 +284,7 @@ void VeskRosterProxyModel::sourceChanged(const QModelIndex &topLeft, const QMode
         return;
     for (int row = topLeft.row(); row <= bottomRight.row() && row < level->rank.size(); ++row) {
         level->passes[row] = Unknown;
+        level->filterPasses[row] = Unknown;
         level->rank[row] = -1;
     }
 }
@@ -206,7 +297,7 @@ bool VeskRosterProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex &so
             return passes;
     }
     const VeskBuddy entry = rosterEntry(sourceModel()->index(sourceRow, 0, sourceParent));
-    return isMember(entry) && filters->filter(entry);
+    return isMember(entry) && filters->filter(entry, search);
 }
 
 bool VeskRosterProxyModel::lessThan(const QModelIndex &left, const QModelIndex &right) const

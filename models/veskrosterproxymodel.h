@@ -3,6 +3,7 @@
 #include "vesk_roster_models_export.h"
 
 #include <veskbuddy.h>
+#include <veskrosterquicksearch.h>
 
 #include <QMetaType>
 #include <QSortFilterProxyModel>
@@ -60,6 +61,17 @@ public:
     void setCurrentFilter(const QString &id);
     void setCurrentSorter(const QString &name);
 
+    // The quick search (see VeskRosterQuickSearch): members are shown when
+    // they pass the current filter and match the text, or, with the scope
+    // EveryEntry, when they match it whatever the filter says. A text that
+    // grows asks again only the members shown so far; one that shrinks or is
+    // cleared only those the current filter passed; neither asks the filter
+    // again nor sorts again.
+    void setQuickSearch(const QString &text);
+    QString quickSearch() const;
+    void setQuickSearchScope(VeskRosterQuickSearch::Scope scope);
+    VeskRosterQuickSearch::Scope quickSearchScope() const;
+
     void setSourceModel(QAbstractItemModel *model) override;
 
 public Q_SLOTS:
@@ -77,8 +89,10 @@ private:
     // about directly; a change of the source's structure forgets it all.
     struct Level
     {
-        QVector<char> passes; // Unknown, or 0/1
+        QVector<char> passes; // Unknown, or 0/1: what the view shows
+        QVector<char> filterPasses; // the current filter's answer alone
         QVector<int> rank; // -1 when unknown
+        QVector<VeskBuddy> entries; // by source row
     };
     struct Key
     {
@@ -102,6 +116,8 @@ private:
     Level *levelOf(const QModelIndex &sourceParent) const;
     void learn(const QModelIndex &sourceParent);
     QVector<int> viewOrder(const QVector<VeskBuddy> &entries) const;
+    void searchLevel(
+        Level &level, const VeskRosterQuickSearch &next, bool narrowing, bool widening) const;
     void sourceChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight);
     void forget();
 
@@ -112,4 +128,5 @@ private:
     VeskRosterFiltersManager *filters = nullptr;
     VeskRosterSortersManager *sorters = nullptr;
     int role = BuddyRole;
+    VeskRosterQuickSearch search;
 };

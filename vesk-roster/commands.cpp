@@ -58,14 +58,18 @@ namespace VeskCommands {
 const QVector<VeskCommand> &all()
 {
     static const QVector<VeskCommand> commands = {
-        { "show", "show", QT_TRANSLATE_NOOP("vesk-roster", "the visible roster"),
+        { "show", "show [--search TEXT [--every-entry]]",
+            QT_TRANSLATE_NOOP("vesk-roster", "the visible roster"),
             QT_TRANSLATE_NOOP("vesk-roster",
                 "Lists the contacts and temporary contacts that pass the current filter, under\n"
                 "the groups that hold at least one of them, then those without a group. Groups,\n"
                 "and the members of a group, are ordered by the current sorting method: x comes\n"
                 "before y exactly when the method's lessThan(y, x) holds, and entries it does\n"
                 "not tell apart keep roster order. With --json, prints one document:\n"
-                "{\"filter\", \"sorter\", \"groups\": [{\"name\", \"entries\"}], \"ungrouped\"}."),
+                "{\"filter\", \"sorter\", \"groups\": [{\"name\", \"entries\"}], \"ungrouped\"}.\n"
+                "--search TEXT keeps the entries whose name, account uid, group or status text\n"
+                "contains TEXT, blind to case and accents; --every-entry looks at every entry\n"
+                "instead of those the current filter passes."),
             VeskCommand::Reads, show },
         { "filters", "filters", QT_TRANSLATE_NOOP("vesk-roster", "the filters in display order"),
             QT_TRANSLATE_NOOP("vesk-roster",

@@ -2,6 +2,7 @@
 
 #include <veskaccount.h>
 #include <veskrosterfiltersmanager.h>
+#include <veskrosterquicksearch.h>
 #include <veskrostersortersmanager.h>
 
 #include <QHash>
@@ -66,7 +67,8 @@ void sortEntries(QVector<VeskRosterView::Entry> &entries, const VeskRosterSorter
 } // namespace
 
 VeskRosterView::VeskRosterView(const QList<VeskBuddy> &roster,
-    const VeskRosterFiltersManager *filters, const VeskRosterSortersManager *sorters)
+    const VeskRosterFiltersManager *filters, const VeskRosterSortersManager *sorters,
+    const VeskRosterQuickSearch *search)
 {
     // Groups are matched by name, the first of a name standing for all of
     // them, as a contact names its group.
@@ -80,15 +82,19 @@ VeskRosterView::VeskRosterView(const QList<VeskBuddy> &roster,
         }
     }
     members.resize(allGroups.size());
+    QVector<VeskBuddy> asked;
     for (const VeskBuddy &buddy : roster) {
         const int type = buddy.getType();
-        if (type != VeskBuddy::TypeContact && type != VeskBuddy::TypeTemporary)
-            continue;
-        ++rosterEntries;
-        if (!filters->filter(buddy))
-            continue;
-        ++shownEntries;
-        Entry entry = describe(buddy);
+        if (type == VeskBuddy::TypeContact || type == VeskBuddy::TypeTemporary)
+            asked.append(buddy);
+    }
+    rosterEntries = int(asked.size());
+    // The whole roster in one call of the library.
+    const QVector<int> passing
+        = search ? filters->filterEntries(asked, *search) : filters->filterEntries(asked);
+    shownEntries = int(passing.size());
+    for (const int index : passing) {
+        Entry entry = describe(asked.at(index));
         const auto group
             = entry.hasGroup ? groupIndex.constFind(entry.group) : groupIndex.constEnd();
         if (group == groupIndex.constEnd())

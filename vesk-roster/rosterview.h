@@ -7,6 +7,7 @@
 #include <QVector>
 
 class VeskRosterFiltersManager;
+class VeskRosterQuickSearch;
 class VeskRosterSortersManager;
 
 // The visible roster as a client's roster view shows it: the contacts and
@@ -37,8 +38,9 @@ public:
         QVector<Entry> entries;
     };
 
+    // With a quick search, the members that the filters manager shows with it.
     VeskRosterView(const QList<VeskBuddy> &roster, const VeskRosterFiltersManager *filters,
-        const VeskRosterSortersManager *sorters);
+        const VeskRosterSortersManager *sorters, const VeskRosterQuickSearch *search = nullptr);
 
     QVector<Group> groups;
     QVector<Entry> ungrouped;

@@ -10,6 +10,7 @@
 #include "refusal.h"
 #include "rosterfile.h"
 #include "rosterview.h"
+#include "searchoption.h"
 #include "sessiontext_p.h"
 #include "texttable.h"
 
@@ -146,10 +147,12 @@ namespace VeskCommands {
 
 void show(VeskCommandContext &context)
 {
+    const VeskRosterQuickSearch search = takeSearchOptions(&context.args);
     context.expectArgs(0, 0);
     warnUnreadable(context);
     const VeskLibrarySession &session = *context.session;
-    const VeskRosterView view(VeskStandIn::entries(), session.filters(), session.sorters());
+    const VeskRosterView view(
+        VeskStandIn::entries(), session.filters(), session.sorters(), &search);
     const QString filterId = session.filters()->getCurrentFilterName();
     const QString method = methodInUse(session);
 
@@ -160,6 +163,12 @@ void show(VeskCommandContext &context)
         json.value(filterId);
         json.key("sorter");
         json.value(method);
+        if (!search.isEmpty()) {
+            json.key("search");
+            json.value(search.text());
+            json.key("every_entry");
+            json.value(search.scope() == VeskRosterQuickSearch::EveryEntry);
+        }
         json.key("groups");
         json.beginArray();
         for (const VeskRosterView::Group &group : view.groups) {
@@ -206,7 +215,12 @@ void show(VeskCommandContext &context)
     }
     VeskTextTable footer;
     footer.addHeading(QString());
-    footer.addHeading(vtr("%1 of %2 entries shown").arg(view.shownEntries).arg(view.rosterEntries),
+    footer.addHeading(search.isEmpty()
+            ? vtr("%1 of %2 entries shown").arg(view.shownEntries).arg(view.rosterEntries)
+            : vtr("%1 of %2 entries shown, searching for %3")
+                  .arg(view.shownEntries)
+                  .arg(view.rosterEntries)
+                  .arg(shownName(search.text())),
         VeskTextTable::Dim);
     context.out->printTable(title);
     context.out->printTable(table);

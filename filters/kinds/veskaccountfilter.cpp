@@ -1,6 +1,7 @@
 #include "veskaccountfilter.h"
 
 #include "veskchoicecondition_p.h"
+#include "veskleafrule_p.h"
 
 #include <veskaccount.h>
 
@@ -38,12 +39,8 @@ QString VeskAccountFilter::display() const
 
 bool VeskAccountFilter::filter(const VeskBuddy &buddy) const
 {
-    const VeskAccountConnection *account = VeskChoiceCondition::accountOf(buddy);
-    if (!account)
-        return !positive;
-    return VeskChoiceCondition::decide(VeskChoiceCondition::isAccountIdentity(accountId,
-                                           account->getUid(), account->getProtocolName()),
-        positive);
+    VeskEntryReader entry(buddy, false, false);
+    return VeskLeafRule::account(entry, accountId, positive);
 }
 
 QList<VeskField> VeskAccountFilter::getConfiguration() const

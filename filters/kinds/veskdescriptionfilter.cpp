@@ -1,6 +1,7 @@
 #include "veskdescriptionfilter.h"
 #include <veskentrykind_p.h>
 
+#include "veskleafrule_p.h"
 #include "vesktextcondition_p.h"
 
 #include <veskbuddy.h>
@@ -41,10 +42,8 @@ QString VeskDescriptionFilter::display() const
 
 bool VeskDescriptionFilter::filter(const VeskBuddy &buddy) const
 {
-    if (buddy.getType() != VeskEntryKind::Contact)
-        return false;
-    return VeskTextCondition::matches(
-        matchMode, matchText, VeskBuddyContact(buddy).getPresence().getDescription());
+    VeskEntryReader entry(buddy, false, true);
+    return VeskLeafRule::description(entry, matchMode, matchText);
 }
 
 QList<VeskField> VeskDescriptionFilter::getConfiguration() const

@@ -1,5 +1,6 @@
 #include "veskdisplayfilter.h"
 
+#include "veskleafrule_p.h"
 #include "vesktextcondition_p.h"
 
 #include <veskbuddy.h>
@@ -40,7 +41,8 @@ QString VeskDisplayFilter::display() const
 
 bool VeskDisplayFilter::filter(const VeskBuddy &buddy) const
 {
-    return VeskTextCondition::matches(matchMode, matchText, buddy.getDisplay());
+    VeskEntryReader entry(buddy, false, false);
+    return VeskLeafRule::display(entry, matchMode, matchText);
 }
 
 QList<VeskField> VeskDisplayFilter::getConfiguration() const

@@ -2,6 +2,7 @@
 #include <veskentrykind_p.h>
 
 #include "veskchoicecondition_p.h"
+#include "veskleafrule_p.h"
 
 #include <veskbuddy.h>
 #include <veskroster.h>
@@ -9,22 +10,6 @@
 #include <veskfilterplan_p.h>
 
 #include <QCoreApplication>
-
-namespace {
-
-QString groupOf(const VeskBuddy &buddy)
-{
-    switch (buddy.getType()) {
-    case VeskEntryKind::Contact:
-        return VeskBuddyContact(buddy).getParent().getDisplay();
-    case VeskEntryKind::Temporary:
-        return VeskBuddyTemporary(buddy).getGroup().getDisplay();
-    default:
-        return QString();
-    }
-}
-
-} // namespace
 
 VeskGroupFilter::VeskGroupFilter()
     : positive(true)
@@ -58,7 +43,8 @@ QString VeskGroupFilter::display() const
 
 bool VeskGroupFilter::filter(const VeskBuddy &buddy) const
 {
-    return VeskChoiceCondition::decide(groupOf(buddy) == groupName, positive);
+    VeskEntryReader entry(buddy, false, false);
+    return VeskLeafRule::group(entry, groupName, positive);
 }
 
 QList<VeskField> VeskGroupFilter::getConfiguration() const

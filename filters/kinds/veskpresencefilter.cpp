@@ -1,5 +1,6 @@
 #include "veskpresencefilter.h"
 #include "veskchoicecondition_p.h"
+#include "veskleafrule_p.h"
 #include <veskentrykind_p.h>
 
 #include <veskbuddy.h>
@@ -40,19 +41,8 @@ QString VeskPresenceFilter::display() const
 
 bool VeskPresenceFilter::filter(const VeskBuddy &buddy) const
 {
-    QString entryPresence;
-    switch (buddy.getType()) {
-    case VeskEntryKind::Contact:
-        entryPresence = VeskBuddyContact(buddy).getPresence().getId();
-        break;
-    case VeskEntryKind::Temporary:
-        entryPresence = VeskBuddyTemporary(buddy).getPresence().getId();
-        break;
-    default:
-        // Only contacts have a presence: they never are one, always are not.
-        return !positive;
-    }
-    return VeskChoiceCondition::decide(entryPresence == presenceId, positive);
+    VeskEntryReader entry(buddy, true, false);
+    return VeskLeafRule::presence(entry, presenceId, positive);
 }
 
 QList<VeskField> VeskPresenceFilter::getConfiguration() const

@@ -1,6 +1,7 @@
 #include "veskprotocolfilter.h"
 
 #include "veskchoicecondition_p.h"
+#include "veskleafrule_p.h"
 
 #include <veskaccount.h>
 
@@ -38,10 +39,8 @@ QString VeskProtocolFilter::display() const
 
 bool VeskProtocolFilter::filter(const VeskBuddy &buddy) const
 {
-    const VeskAccountConnection *account = VeskChoiceCondition::accountOf(buddy);
-    if (!account)
-        return !positive;
-    return VeskChoiceCondition::decide(account->getProtocolName() == protocolName, positive);
+    VeskEntryReader entry(buddy, false, false);
+    return VeskLeafRule::protocol(entry, protocolName, positive);
 }
 
 QList<VeskField> VeskProtocolFilter::getConfiguration() const

@@ -6,6 +6,7 @@
 #include <rosterview.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterproxymodel.h>
+#include <veskrosterquicksearch.h>
 #include <veskrostersortersmanager.h>
 #include <veskstandin.h>
 
@@ -43,10 +44,11 @@ inline QString shown(const QAbstractItemModel &proxy)
     return parts.join(QLatin1String(" | "));
 }
 
-inline QString reference()
+// With a search: the view as the filters manager answers it with the search.
+inline QString reference(const VeskRosterQuickSearch *search = nullptr)
 {
     const VeskRosterView view(VeskStandIn::entries(), VeskRosterFiltersManager::getInstance(),
-        VeskRosterSortersManager::getInstance());
+        VeskRosterSortersManager::getInstance(), search);
     QStringList parts;
     auto names = [](const QVector<VeskRosterView::Entry> &entries) {
         QStringList list;
