@@ -9,6 +9,7 @@
 #include <veskfield.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
+#include <veskrostersortersmanager.h>
 #include <vesksettingsmanager.h>
 #include <veskstackfile_p.h>
 
@@ -103,6 +104,10 @@ bool VeskLibrarySession::replaceStack(
         return false;
     old->readFilterSettings();
     noteStoredMethod(old, method);
+    // A current filter that follows the default carries it in memory, as the
+    // library lends it.
+    if (method.isEmpty() && filtersManager->getCurrentFilter() == old)
+        old->setSorter(sortersManager->getDefault());
     unreadable.erase(std::remove_if(unreadable.begin(), unreadable.end(),
                          [&](const Unreadable &file) { return file.id == id; }),
         unreadable.end());
