@@ -135,6 +135,10 @@ public:
         const QString &name, const QStringList &ids, const QStringList &ascending, QString *error);
     // Removing the default method clears the default: the built-in order.
     bool removeSorter(const QString &name, QString *error);
+    // Renames a method together with every filter that sorts by it and the
+    // default; refused for a name in use or when such a filter cannot be
+    // stored. (sortermethods.cpp)
+    bool renameSorter(const QString &oldName, const QString &newName, QString *error);
     // An empty name: no default method, the built-in order.
     bool setDefaultSorter(const QString &name, QString *error);
     // Makes the method current and stores it with the current filter.
