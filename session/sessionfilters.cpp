@@ -157,6 +157,13 @@ bool VeskLibrarySession::renameStack(const QString &oldId, const QString &newId,
         return false;
     journal->recordFile(filePath(oldId));
     journal->recordFile(filePath(newId));
+    // Both names stored side by side first: start-up drops the one without
+    // a file, so a run killed before or after the file moves leaves the
+    // filter at its place, under the old name or the new.
+    QStringList both = filtersManager->getFilterNames();
+    both.insert(both.indexOf(oldId) + 1, newId);
+    VeskSettingsManager::getInstance()->writeGlobalSetting(VeskField::comboBox(
+        QString(), QStringLiteral("filters"), both, QStringList(), QString(), QString()));
     // The library moves the file and stores the display order, and the
     // current filter's new name when it is current.
     filtersManager->rename(oldId, newId);
