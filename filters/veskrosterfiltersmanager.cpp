@@ -261,10 +261,12 @@ void VeskRosterFiltersManager::rename(const QString &oldId, const QString &newId
     stack->setName(newId);
 
     // Display order, stored order and file follow the new name, so the
-    // filter is found again at its place after a restart.
+    // filter is found again at its place after a restart. The file moves
+    // first: a stored order that names both identifiers then keeps the
+    // filter at its place whenever the process dies in between.
     std::replace(order.begin(), order.end(), oldId, newId);
-    VeskSettingsManager::getInstance()->writeGlobalSetting(orderField(order));
     VeskStackFile::move(oldId, newId);
+    VeskSettingsManager::getInstance()->writeGlobalSetting(orderField(order));
 
     if (stack == current)
         setCurrentFilter(newId);

@@ -9,6 +9,7 @@
 #include <veskfield.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
+#include <veskrostersortersmanager.h>
 #include <vesksettingsmanager.h>
 #include <veskstackfile_p.h>
 
@@ -103,6 +104,10 @@ bool VeskLibrarySession::replaceStack(
         return false;
     old->readFilterSettings();
     noteStoredMethod(old, method);
+    // A current filter that follows the default carries it in memory, as the
+    // library lends it.
+    if (method.isEmpty() && filtersManager->getCurrentFilter() == old)
+        old->setSorter(sortersManager->getDefault());
     unreadable.erase(std::remove_if(unreadable.begin(), unreadable.end(),
                          [&](const Unreadable &file) { return file.id == id; }),
         unreadable.end());
@@ -152,6 +157,13 @@ bool VeskLibrarySession::renameStack(const QString &oldId, const QString &newId,
         return false;
     journal->recordFile(filePath(oldId));
     journal->recordFile(filePath(newId));
+    // Both names stored side by side first: start-up drops the one without
+    // a file, so a run killed before or after the file moves leaves the
+    // filter at its place, under the old name or the new.
+    QStringList both = filtersManager->getFilterNames();
+    both.insert(both.indexOf(oldId) + 1, newId);
+    VeskSettingsManager::getInstance()->writeGlobalSetting(VeskField::comboBox(
+        QString(), QStringLiteral("filters"), both, QStringList(), QString(), QString()));
     // The library moves the file and stores the display order, and the
     // current filter's new name when it is current.
     filtersManager->rename(oldId, newId);
