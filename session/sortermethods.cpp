@@ -29,11 +29,16 @@ bool VeskLibrarySession::renameSorter(
     // method that no longer exists. Every such filter must take the new
     // name, or the method keeps the old one.
     QList<VeskRosterFiltersStack *> naming;
+    QList<VeskRosterFiltersStack *> lent; // following the default, which is renamed too
     const QStringList ids = filtersManager->getFilterNames();
     for (const QString &id : ids) {
         VeskRosterFiltersStack *filter = stack(id);
         if (!filter || filter->getSorter() != oldName)
             continue;
+        if (storedMethod(filter).isEmpty()) {
+            lent.append(filter);
+            continue;
+        }
         if (!isEditable(id, error))
             return false;
         naming.append(filter);
@@ -47,8 +52,11 @@ bool VeskLibrarySession::renameSorter(
         if (!storeStack(filter, error))
             return false;
     }
+    for (VeskRosterFiltersStack *filter : qAsConst(lent))
+        filter->setSorter(newName);
     const bool wasDefault = sortersManager->getDefault() == oldName;
-    sortersManager->removeSorter(oldName);
+    if (!removeSorter(oldName, error))
+        return false;
     if (wasDefault)
         sortersManager->setDefault(newName);
     return verifySettings(error);

@@ -39,21 +39,30 @@ void tst_SortingEditor::init()
     QVERIFY(VeskRosterFile::load(VeskRosterFile::sampleRoster(), &error));
     library = std::make_unique<VeskRosterLibrary>(dir->path() + QLatin1String("/settings"));
     QVERIFY2(library->open(&error), qPrintable(error));
-    // "online" sorts by "by name", which is also the default method.
-    QVERIFY2(library->change(
-                 [](VeskLibrarySession &session, QString *error) {
-                     if (!session.storeSorter(QStringLiteral("by name"), { QStringLiteral("name") },
-                             { QStringLiteral("t") }, error)
-                         || !session.setDefaultSorter(QStringLiteral("by name"), error))
-                         return false;
-                     VeskRosterFiltersStack *stack = session.createStack(
-                         QStringLiteral("online"), VeskRosterFilter::RosterFilterAnd, error);
-                     stack->appendFilter(
-                         VeskFilterTree::presence(QStringLiteral("offline"), false));
-                     stack->setSorter(QStringLiteral("by name"));
-                     return session.storeNewStack(stack, error);
-                 },
-                 &error),
+    // "online" sorts by "by name", which is also the default method, and the
+    // current filter "everyone" follows the default.
+    QVERIFY2(
+        library->change(
+            [](VeskLibrarySession &session, QString *error) {
+                if (!session.storeSorter(QStringLiteral("by name"), { QStringLiteral("name") },
+                        { QStringLiteral("t") }, error)
+                    || !session.setDefaultSorter(QStringLiteral("by name"), error))
+                    return false;
+                VeskRosterFiltersStack *stack = session.createStack(
+                    QStringLiteral("online"), VeskRosterFilter::RosterFilterAnd, error);
+                stack->appendFilter(VeskFilterTree::presence(QStringLiteral("offline"), false));
+                stack->setSorter(QStringLiteral("by name"));
+                if (!session.storeNewStack(stack, error))
+                    return false;
+                // "everyone" has no method of its own: it follows the default.
+                VeskRosterFiltersStack *everyone = session.createStack(
+                    QStringLiteral("everyone"), VeskRosterFilter::RosterFilterOr, error);
+                everyone->appendFilter(VeskFilterTree::presence(QStringLiteral("offline")));
+                everyone->appendFilter(VeskFilterTree::presence(QStringLiteral("offline"), false));
+                return session.storeNewStack(everyone, error)
+                    && session.setCurrentFilter(QStringLiteral("everyone"), error);
+            },
+            &error),
         qPrintable(error));
 }
 
@@ -86,6 +95,14 @@ void tst_SortingEditor::renamedMethodTakesItsFiltersAlong()
         QStringLiteral("alphabetical"));
     QCOMPARE(session->sorters()->getSorters(QStringLiteral("alphabetical")),
         QStringList { QStringLiteral("name") });
+    // The current filter, following the default, is sorted by it under its new name.
+    QCOMPARE(session->filters()->getCurrentFilterName(), QStringLiteral("everyone"));
+    QCOMPARE(session->filters()->getCurrentFilter()->getSorter(), QStringLiteral("alphabetical"));
+    // Its file still names no method of its own.
+    const VeskRosterFiltersStack stored(
+        QStringLiteral("everyone"), VeskRosterFilter::RosterFilterDefault);
+    QCOMPARE(stored.getFilters().size(), 2);
+    QCOMPARE(stored.getSorter(), QString());
 }
 
 QTEST_MAIN(tst_SortingEditor)
