@@ -7,6 +7,11 @@
 #   REQUIRES names the pkg-config modules of the project it uses in public
 #   (by target name), QT_COMPONENTS the Qt modules.
 # vesk_install_package() writes the package once every library is listed.
+#
+# Everything is installed in one of three components, which are the three
+# Debian packages: Runtime (the shared libraries and the library's
+# translations), Development (headers, the CMake package, pkg-config files,
+# the unversioned .so links) and Programs (see VeskPrograms.cmake).
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -28,8 +33,8 @@ function(vesk_install_library target)
     endforeach()
     set_target_properties(${target} PROPERTIES PUBLIC_HEADER "${absolute}")
     install(TARGETS ${target} EXPORT VeskRosterFilterTargets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        PUBLIC_HEADER DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${target})
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
+        PUBLIC_HEADER DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${target} COMPONENT Development)
 
     set(requires)
     foreach(module ${ARG_REQUIRES})
@@ -45,7 +50,7 @@ function(vesk_install_library target)
     configure_file(${PROJECT_SOURCE_DIR}/cmake/vesk-library.pc.in
         ${PROJECT_BINARY_DIR}/pkgconfig/${VESK_PC_NAME}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/pkgconfig/${VESK_PC_NAME}.pc
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
 
     set(components ${VESK_PACKAGE_QT_COMPONENTS} ${ARG_QT_COMPONENTS})
     list(REMOVE_DUPLICATES components)
@@ -54,7 +59,7 @@ endfunction()
 
 function(vesk_install_package)
     install(EXPORT VeskRosterFilterTargets NAMESPACE Vesk::
-        FILE VeskRosterFilterTargets.cmake DESTINATION ${VESK_PACKAGE_DIR})
+        FILE VeskRosterFilterTargets.cmake DESTINATION ${VESK_PACKAGE_DIR} COMPONENT Development)
     list(JOIN VESK_PACKAGE_QT_COMPONENTS " " VESK_PACKAGE_QT_COMPONENTS)
     configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/VeskRosterFilterConfig.cmake.in
         ${PROJECT_BINARY_DIR}/VeskRosterFilterConfig.cmake INSTALL_DESTINATION ${VESK_PACKAGE_DIR})
@@ -65,5 +70,5 @@ function(vesk_install_package)
     install(FILES ${PROJECT_BINARY_DIR}/VeskRosterFilterConfig.cmake
         ${PROJECT_BINARY_DIR}/VeskRosterFilterConfigVersion.cmake
         ${PROJECT_BINARY_DIR}/VeskRosterFilterBasicVersion.cmake
-        DESTINATION ${VESK_PACKAGE_DIR})
+        DESTINATION ${VESK_PACKAGE_DIR} COMPONENT Development)
 endfunction()

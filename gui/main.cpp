@@ -1,8 +1,8 @@
-#include "filtereditor.h"
+#include "filtersdialog.h"
 #include "mainwindow.h"
 #include "rosterlibrary.h"
 #include "searchbar.h"
-#include "sortereditor.h"
+#include "sortingdialog.h"
 
 #include <librarysession.h>
 #include <rosterfile.h>
@@ -11,6 +11,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QLineEdit>
 #include <QLocale>
@@ -18,18 +19,31 @@
 #include <QTranslator>
 #include <QTreeWidget>
 
+#include <cstdio>
+
 namespace {
 
-void installTranslations(QApplication &app)
+const char appId[] = "org.vesk.VeskRosterGui";
+
+// Beside the program, in the build tree, or where an installation puts them
+// relative to bin/, so that any prefix works.
+void installTranslations(QCoreApplication &app)
 {
     const QLocale locale;
     const QString here = QCoreApplication::applicationDirPath();
-    for (const char *catalogue : { "vesk_roster_gui", "vesk_gui_roster_filter" }) {
+    const QStringList dirs = { here, here + QLatin1String("/../translations"),
+        here + QLatin1String("/" VESK_TRANSLATIONS_FROM_BIN) };
+    for (const char *catalogue :
+        { "vesk_roster_gui", "vesk_gui_roster_widgets", "vesk_gui_roster_filter" }) {
         auto *translator = new QTranslator(&app);
         const QString name = QString::fromLatin1(catalogue);
-        if (translator->load(locale, name, QStringLiteral("_"), here)
-            || translator->load(
-                locale, name, QStringLiteral("_"), here + QLatin1String("/../translations")))
+        bool loaded = false;
+        for (const QString &dir : dirs) {
+            loaded = translator->load(locale, name, QStringLiteral("_"), dir);
+            if (loaded)
+                break;
+        }
+        if (loaded)
             app.installTranslator(translator);
         else
             delete translator;
@@ -78,36 +92,98 @@ int takeScreenshots(VeskRosterWindow &window, const QString &dir)
 
 } // namespace
 
+// --help and --version answer without a display: they are read on terminals
+// and by the manual pages' generator, where there may be none.
+bool onlyAsksForText(int argc, char *argv[])
+{
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray arg(argv[i]);
+        if (arg == "-h" || arg == "--help" || arg == "--help-all" || arg == "-v"
+            || arg == "--version")
+            return true;
+    }
+    return false;
+}
+
+struct Options
+{
+    QCommandLineOption settings { QStringLiteral("settings"),
+        QCoreApplication::translate("main", "The settings directory (as vesk-roster's)."),
+        QCoreApplication::translate("main", "DIR") };
+    QCommandLineOption roster { QStringLiteral("roster"),
+        QCoreApplication::translate(
+            "main", "The roster file (JSON), - for standard input; the bundled sample without it."),
+        QCoreApplication::translate("main", "FILE") };
+    QCommandLineOption screenshots { QStringLiteral("screenshots"),
+        QCoreApplication::translate(
+            "main", "Save pictures of the window and the editors in DIR, then quit."),
+        QCoreApplication::translate("main", "DIR") };
+};
+
+void describe(QCommandLineParser &parser, const Options &options)
+{
+    parser.setApplicationDescription(QCoreApplication::translate("main",
+        "The roster window: the roster through the current filter and sorting method,\n"
+        "with the editors of filters and sorting methods.\n"
+        "\n"
+        "Files:\n"
+        "  $XDG_CONFIG_HOME/vesk-roster (or ~/.config/vesk-roster)\n"
+        "      the settings directory, shared with vesk-roster\n"
+        "\n"
+        "Exit status:\n"
+        "  0  the window was closed\n"
+        "  1  the command line was wrong\n"
+        "  2  the roster or the settings could not be read (a message says why)"));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOption(options.settings);
+    parser.addOption(options.roster);
+    parser.addOption(options.screenshots);
+}
+
+void nameApplication()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("vesk-roster-gui"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VESK_VERSION));
+}
+
 int main(int argc, char *argv[])
 {
+    if (onlyAsksForText(argc, argv)) {
+        QCoreApplication app(argc, argv);
+        nameApplication();
+        installTranslations(app);
+        QCommandLineParser parser;
+        const Options options;
+        describe(parser, options);
+        parser.process(app); // prints and exits, or says what is wrong
+        return 0;
+    }
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("vesk-roster-gui"));
+    nameApplication();
+    QApplication::setApplicationDisplayName(QStringLiteral("Vesk Roster"));
+    QGuiApplication::setDesktopFileName(QLatin1String(appId));
+    // The theme's icon where the package installed it, else the one built in.
+    QApplication::setWindowIcon(QIcon::fromTheme(
+        QLatin1String(appId), QIcon(QStringLiteral(":/icons/org.vesk.VeskRosterGui.svg"))));
     installTranslations(app);
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QCoreApplication::translate("main", "The roster window."));
-    parser.addHelpOption();
-    const QCommandLineOption settings(QStringLiteral("settings"),
-        QCoreApplication::translate("main", "The settings directory (as vesk-roster's)."),
-        QCoreApplication::translate("main", "DIR"));
-    const QCommandLineOption roster(QStringLiteral("roster"),
-        QCoreApplication::translate(
-            "main", "The roster file (JSON); the bundled sample without it."),
-        QCoreApplication::translate("main", "FILE"));
-    const QCommandLineOption screenshots(QStringLiteral("screenshots"),
-        QCoreApplication::translate(
-            "main", "Save pictures of the window and the editors in DIR, then quit."),
-        QCoreApplication::translate("main", "DIR"));
-    parser.addOption(settings);
-    parser.addOption(roster);
-    parser.addOption(screenshots);
+    const Options options;
+    describe(parser, options);
+    const QCommandLineOption &settings = options.settings;
+    const QCommandLineOption &roster = options.roster;
+    const QCommandLineOption &screenshots = options.screenshots;
     parser.process(app);
 
     QByteArray document = VeskRosterFile::sampleRoster();
     QString error;
     if (parser.isSet(roster)) {
         QFile file(parser.value(roster));
-        if (!file.open(QIODevice::ReadOnly)) {
+        const bool opened = parser.value(roster) == QLatin1String("-")
+            ? file.open(stdin, QIODevice::ReadOnly)
+            : file.open(QIODevice::ReadOnly);
+        if (!opened) {
             error = QCoreApplication::translate("main", "cannot read the roster file \"%1\": %2")
                         .arg(file.fileName(), file.errorString());
         }

@@ -55,9 +55,11 @@ VeskCommandLine VeskCommandLine::parse(const QStringList &arguments)
             line.json = true;
         } else if (arg == QLatin1String("--help") || arg == QLatin1String("-h")) {
             line.help = true;
+        } else if (arg == QLatin1String("--version")) {
+            line.version = true;
         } else {
             refuse(vtr("unknown option \"%1\"; options: --settings DIR, --roster FILE, --json, "
-                       "--help")
+                       "--help, --version")
                        .arg(arg));
         }
     }

@@ -4,7 +4,7 @@
 #include <QStringList>
 
 // The global options and the command with its arguments:
-// vesk-roster [--settings DIR] [--roster FILE] [--json] COMMAND [ARGS...]
+// vesk-roster [--settings DIR] [--roster FILE|-] [--json] COMMAND [ARGS...]
 class VeskCommandLine
 {
 public:
@@ -19,6 +19,7 @@ public:
     QString rosterFile; // empty: the bundled sample roster
     bool json = false;
     bool help = false;
+    bool version = false;
     bool hasCommand = false; // false: "show", the default
     QString command;
     QStringList args;

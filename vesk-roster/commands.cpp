@@ -148,6 +148,16 @@ const QVector<VeskCommand> &all()
                 "its place. Copy a filter with:\n"
                 "  vesk-roster export A | vesk-roster import - --as B"),
             VeskCommand::Writes, importFilter },
+        { "edit", "edit NAME",
+            QT_TRANSLATE_NOOP("vesk-roster", "edit a filter's JSON in an editor"),
+            QT_TRANSLATE_NOOP("vesk-roster",
+                "Opens the filter's definition, as \"export\" prints it, in $VISUAL, else\n"
+                "$EDITOR, else vi, and stores the saved text as \"import --replace\" would. Text\n"
+                "that does not parse or would be refused is not stored: on a terminal you are\n"
+                "asked to edit it again, otherwise it is kept in a file the message names. A\n"
+                "file saved unchanged stores nothing. No lock is held while the editor is open;\n"
+                "when another run changes the filter meanwhile, nothing is stored."),
+            VeskCommand::OwnSessions, edit },
         { "kinds", "kinds",
             QT_TRANSLATE_NOOP("vesk-roster", "the condition kinds and their fields"),
             QT_TRANSLATE_NOOP("vesk-roster",
@@ -199,6 +209,13 @@ const QVector<VeskCommand> &all()
         { "help", "help [COMMAND]", QT_TRANSLATE_NOOP("vesk-roster", "this help, or a command's"),
             QT_TRANSLATE_NOOP("vesk-roster", "Prints the overview, or the help of one command."),
             VeskCommand::None, help },
+        // The shell completion's helper, left out of the overview.
+        { "complete", "complete [--breaks CHARS] LINE", nullptr,
+            QT_TRANSLATE_NOOP("vesk-roster",
+                "Prints the words that complete the last word of LINE, a vesk-roster command\n"
+                "line up to the cursor, one a line, each quoted for the shell and cut after the\n"
+                "last of the CHARS the shell breaks words at. For the shell completion."),
+            VeskCommand::None, complete },
     };
     return commands;
 }
@@ -216,7 +233,7 @@ const VeskCommand *find(const QString &name)
 QString usage()
 {
     QString text
-        = vtr("usage: vesk-roster [--settings DIR] [--roster FILE] [--json] COMMAND "
+        = vtr("Usage: vesk-roster [--settings DIR] [--roster FILE|-] [--json] COMMAND "
               "[ARGS...]\n"
               "\n"
               "Shows a roster through the user's filters and sorting methods, and edits "
@@ -226,9 +243,11 @@ QString usage()
               "Options:\n"
               "  --settings DIR  settings directory (default: $XDG_CONFIG_HOME/vesk-roster,\n"
               "                  or ~/.config/vesk-roster); created when missing\n"
-              "  --roster FILE   roster to load (default: the bundled sample roster)\n"
+              "  --roster FILE   roster to load (default: the bundled sample roster);\n"
+              "                  - reads it from standard input\n"
               "  --json          show, filters, kinds and sorters print JSON\n"
               "  --help          this help\n"
+              "  --version       the program's version\n"
               "\n"
               "Commands:\n");
     int width = 0;
@@ -236,11 +255,26 @@ QString usage()
     for (const VeskCommand &command : commands)
         width = std::max(width, int(qstrlen(command.name)));
     for (const VeskCommand &command : commands) {
+        if (!command.summary)
+            continue;
         text += QStringLiteral("  %1  %2\n")
                     .arg(QString::fromUtf8(command.name), -width)
                     .arg(vtr(command.summary));
     }
-    text += vtr("\nRun \"vesk-roster help COMMAND\" for the arguments of a command.\n");
+    text += vtr("\nRun \"vesk-roster help COMMAND\" for the arguments of a command.\n"
+                "\n"
+                "Files:\n"
+                "  $XDG_CONFIG_HOME/vesk-roster (or ~/.config/vesk-roster)\n"
+                "      the settings directory: the current filter, the filters' order and\n"
+                "      the sorting methods in settings.dat, each filter in roster_filters/NAME\n"
+                "\n"
+                "Environment:\n"
+                "  VISUAL, EDITOR  the editor \"edit\" opens (default: vi)\n"
+                "\n"
+                "Exit status:\n"
+                "  0  the command was carried out: every change it reports was read back\n"
+                "  2  the command was refused (one line on standard error says why); the\n"
+                "     settings directory is as the command found it\n");
     return text;
 }
 

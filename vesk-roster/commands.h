@@ -15,8 +15,10 @@ struct VeskCommandContext
     const VeskCommand *command = nullptr;
     QStringList args;
     bool json = false;
-    const VeskOutput *out = nullptr;
+    VeskOutput *out = nullptr;
     VeskLibrarySession *session = nullptr;
+    QString settingsDir; // set for OwnSessions commands
+    QString rosterFile; // as --roster gave it; empty: the bundled sample
 
     // Refuses unless there are between `min` and `max` arguments (max < 0:
     // no upper bound), quoting the command's synopsis.
@@ -28,11 +30,14 @@ struct VeskCommand
     // What a command does with the settings directory: nothing, read it
     // (under a shared lock, storing nothing), or change it (under the
     // exclusive lock, every change read back before it is reported).
-    enum Settings { None, Reads, Writes };
+    // OwnSessions: the roster is loaded and `settingsDir` set, and the command
+    // opens its sessions itself through VeskRosterProgram::runInSession (edit,
+    // which must not hold the lock while an editor is open).
+    enum Settings { None, Reads, Writes, OwnSessions };
 
     const char *name;
     const char *synopsis;
-    const char *summary;
+    const char *summary; // null: a helper left out of the overview
     const char *details;
     Settings settings;
     void (*run)(VeskCommandContext &context);

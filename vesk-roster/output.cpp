@@ -86,3 +86,10 @@ void VeskOutput::discard()
     held = false;
     kept.clear();
 }
+
+QByteArray VeskOutput::takeHeld()
+{
+    QByteArray bytes;
+    bytes.swap(kept);
+    return bytes;
+}

@@ -29,6 +29,8 @@ public:
     void hold();
     void release();
     void discard();
+    // What was kept back so far, which is then forgotten; output stays held.
+    QByteArray takeHeld();
 
 private:
     void out(const QByteArray &bytes) const;
