@@ -113,7 +113,12 @@ VeskRosterWindow::VeskRosterWindow(VeskRosterLibrary *library, QWidget *parent)
     setCentralWidget(central);
     auto *find = new QShortcut(QKeySequence::Find, this);
     connect(find, &QShortcut::activated, search, &VeskSearchBar::focusField);
-    connect(search, &VeskSearchBar::searchChanged, this, &VeskRosterWindow::countShown);
+    connect(search, &VeskSearchBar::searchChanged, this, [this] {
+        // The proxy lays its rows out anew for a search; groups it shows
+        // again open, as they were before it.
+        tree->expandAll();
+        countShown();
+    });
     // Groups that a search shows again open, as they were before it.
     connect(proxyModel, &QAbstractItemModel::rowsInserted, this,
         [this](const QModelIndex &parent, int first, int last) {
