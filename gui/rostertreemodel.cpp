@@ -2,6 +2,7 @@
 
 #include <veskaccount.h>
 #include <veskrosterproxymodel.h>
+#include <veskstandin.h>
 
 #include <QHash>
 
@@ -34,6 +35,8 @@ void VeskRosterTreeModel::setRoster(const QList<VeskBuddy> &entries)
     topLevel.clear();
     memberEntries.clear();
     memberNodes.clear();
+    entryNodes.clear();
+    groupNodes.clear();
     // Groups are matched by name, the first of a name standing for all of
     // them, as a contact names its group.
     QHash<QString, int> groups;
@@ -56,6 +59,9 @@ void VeskRosterTreeModel::setRoster(const QList<VeskBuddy> &entries)
         siblings.append(nodes.size());
         nodes.append(Node { entry, parent, int(siblings.size() - 1), {} });
     }
+    for (int node = 0; node < nodes.size(); ++node)
+        entryNodes.insert(VeskStandIn::entryKey(nodes.at(node).buddy), node);
+    groupNodes = groups;
     endResetModel();
 }
 

@@ -51,16 +51,22 @@ VeskCommandLine VeskCommandLine::parse(const QStringList &arguments)
             if (value.isEmpty())
                 refuse(vtr("--roster needs a file, not an empty text"));
             line.rosterFile = value;
+        } else if (line.xmpp.take(arguments, &i)) {
         } else if (arg == QLatin1String("--json")) {
             line.json = true;
         } else if (arg == QLatin1String("--help") || arg == QLatin1String("-h")) {
             line.help = true;
         } else {
-            refuse(vtr("unknown option \"%1\"; options: --settings DIR, --roster FILE, --json, "
-                       "--help")
-                       .arg(arg));
+            refuse(vtr("unknown option \"%1\"; options: --settings DIR, --roster FILE, %2, "
+                       "--json, --help")
+                       .arg(arg, VeskXmppOptions::names()));
         }
     }
+    if (line.xmpp.isSet() && !line.rosterFile.isEmpty())
+        refuse(vtr("--roster and --xmpp exclude each other: one roster is shown"));
+    if (!line.xmpp.isSet()
+        && (!line.xmpp.server.isEmpty() || !line.xmpp.caFile.isEmpty() || line.xmpp.insecure))
+        refuse(vtr("--xmpp-server, --xmpp-ca and --xmpp-insecure go with --xmpp JID"));
     // A bare invocation shows the roster, so that the program shows something
     // useful on a fresh machine.
     line.hasCommand = i < arguments.size();

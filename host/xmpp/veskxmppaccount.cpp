@@ -132,6 +132,9 @@ public:
     QString lastLog;
     QString certificateError;
     bool wanted = false;
+    // Set while the account goes away: the roster's entries may be gone
+    // already (the stand-in's reset), so nothing touches them any more.
+    bool closing = false;
     int attempts = 0;
     QElapsedTimer quiet;
     quint64 stanzas = 0;
@@ -162,6 +165,13 @@ VeskXmppAccountPrivate::VeskXmppAccountPrivate(
 
 VeskXmppAccountPrivate::~VeskXmppAccountPrivate()
 {
+    closing = true;
+    // The stream is ended politely when there is one, in a bounded time.
+    if (conn && xmpp_conn_is_connected(conn.get())) {
+        xmpp_disconnect(conn.get());
+        for (int i = 0; i < 20 && conn; ++i)
+            xmpp_run_once(ctx.get(), 10);
+    }
     notifier.reset();
     if (conn) {
         owners().remove(conn.get());
@@ -199,7 +209,8 @@ int VeskXmppAccountPrivate::onSocket(xmpp_conn_t *conn, void *sock)
     return xmpp_sockopt_cb_keepalive(conn, sock);
 }
 
-int VeskXmppAccountPrivate::onCertificateFailure(const xmpp_tlscert_t *cert, const char *const message)
+int VeskXmppAccountPrivate::onCertificateFailure(
+    const xmpp_tlscert_t *cert, const char *const message)
 {
     VeskXmppAccountPrivate *d = owners().value(xmpp_tlscert_get_conn(cert));
     if (d)
@@ -229,8 +240,8 @@ void VeskXmppAccountPrivate::start()
     xmpp_conn_set_sockopt_callback(conn.get(), &VeskXmppAccountPrivate::onSocket);
     const QByteArray host = settings.host.toUtf8();
     setState(VeskXmppAccount::Connecting);
-    if (xmpp_connect_client(conn.get(), host.isEmpty() ? nullptr : host.constData(),
-            settings.port, &VeskXmppAccountPrivate::onConnection, this)
+    if (xmpp_connect_client(conn.get(), host.isEmpty() ? nullptr : host.constData(), settings.port,
+            &VeskXmppAccountPrivate::onConnection, this)
         != XMPP_EOK) {
         owners().remove(conn.get());
         conn.reset();
@@ -333,6 +344,15 @@ void VeskXmppAccountPrivate::onConnection(xmpp_conn_t *conn, xmpp_conn_event_t e
 
 void VeskXmppAccountPrivate::lost(int socketError, xmpp_stream_error_t *streamError)
 {
+    if (closing) {
+        notifier.reset();
+        socket = -1;
+        if (conn) {
+            owners().remove(conn.get());
+            spent.push_back(std::move(conn));
+        }
+        return;
+    }
     const bool wasConnected = state == VeskXmppAccount::Connected;
     const QString where = settings.host.isEmpty()
         ? settings.jid.section(QLatin1Char('@'), 1)
@@ -351,8 +371,7 @@ void VeskXmppAccountPrivate::lost(int socketError, xmpp_stream_error_t *streamEr
                     .arg(where, QString::fromLocal8Bit(std::strerror(socketError)));
     } else if (wasConnected) {
         error = VeskXmppAccount::tr("the connection to %1 was lost").arg(where);
-    } else if (lastLog.contains(QLatin1String("TLS"), Qt::CaseInsensitive)
-        && !settings.insecure) {
+    } else if (lastLog.contains(QLatin1String("TLS"), Qt::CaseInsensitive) && !settings.insecure) {
         error = VeskXmppAccount::tr("%1 does not offer TLS, which is required (%2)")
                     .arg(where, lastLog);
         final = true;
@@ -362,8 +381,9 @@ void VeskXmppAccountPrivate::lost(int socketError, xmpp_stream_error_t *streamEr
                     .arg(where, settings.jid);
         final = true;
     } else {
-        error = VeskXmppAccount::tr("%1 closed the connection before log-in (%2)")
-                    .arg(where, lastLog.isEmpty() ? VeskXmppAccount::tr("no reason given") : lastLog);
+        error
+            = VeskXmppAccount::tr("%1 closed the connection before log-in (%2)")
+                  .arg(where, lastLog.isEmpty() ? VeskXmppAccount::tr("no reason given") : lastLog);
     }
     notifier.reset();
     socket = -1;

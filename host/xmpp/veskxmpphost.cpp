@@ -6,6 +6,11 @@
 #include <veskprotocol.h>
 #include <veskstandin.h>
 
+#include <QCoreApplication>
+#include <QHostAddress>
+
+#include <algorithm>
+
 namespace {
 
 struct PresenceRow
@@ -69,8 +74,8 @@ VeskPresence VeskXmppHost::presence(const QString &id, const QString &descriptio
 
 VeskXmppAccount *VeskXmppHost::addAccount(const VeskXmppSettings &settings)
 {
-    accountList.push_back(std::unique_ptr<VeskXmppAccount>(
-        new VeskXmppAccount(addRoster(settings.jid), settings)));
+    accountList.push_back(
+        std::unique_ptr<VeskXmppAccount>(new VeskXmppAccount(addRoster(settings.jid), settings)));
     return accountList.back().get();
 }
 
@@ -107,4 +112,50 @@ void VeskXmppHost::releaseGroup(const QString &name)
     groups.erase(it);
     Q_EMIT entryAboutToBeRemoved(entry);
     VeskStandIn::removeEntry(entry);
+}
+
+bool VeskXmppHost::parseServer(const QString &text, QString *host, quint16 *port)
+{
+    const int colon = text.lastIndexOf(QLatin1Char(':'));
+    if (colon <= 0)
+        return false;
+    bool ok = false;
+    const uint number = text.mid(colon + 1).toUInt(&ok);
+    if (!ok || number == 0 || number > 65535)
+        return false;
+    QString name = text.left(colon);
+    if (name.startsWith(QLatin1Char('[')) && name.endsWith(QLatin1Char(']')))
+        name = name.mid(1, name.size() - 2);
+    if (name.isEmpty())
+        return false;
+    *host = name;
+    *port = quint16(number);
+    return true;
+}
+
+bool VeskXmppHost::isLoopback(const QString &host)
+{
+    if (host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0)
+        return true;
+    const QHostAddress address(host);
+    return !address.isNull() && address.isLoopback();
+}
+
+QString VeskXmppHost::settingsProblem(const VeskXmppSettings &settings)
+{
+    const QString &jid = settings.jid;
+    const int at = jid.indexOf(QLatin1Char('@'));
+    if (at <= 0 || at == jid.size() - 1 || jid.contains(QLatin1Char('/'))
+        || jid.indexOf(QLatin1Char('@'), at + 1) >= 0
+        || std::any_of(jid.begin(), jid.end(),
+            [](QChar c) { return c.isSpace() || c.category() == QChar::Other_Control; })) {
+        return QCoreApplication::translate("VeskXmppHost", "\"%1\" is not a bare JID (user@domain)")
+            .arg(jid);
+    }
+    if (settings.insecure && (settings.host.isEmpty() || !isLoopback(settings.host))) {
+        return QCoreApplication::translate("VeskXmppHost",
+            "--xmpp-insecure (no TLS) is accepted only with --xmpp-server on the loopback "
+            "address (127.0.0.1, ::1 or localhost)");
+    }
+    return QString();
 }

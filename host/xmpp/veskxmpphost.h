@@ -42,6 +42,14 @@ public:
     static QList<VeskPresence> presences();
     static VeskPresence presence(const QString &id, const QString &description = QString());
 
+    // What the programs check before connecting: "HOST:PORT" (an IPv6
+    // address in brackets), and whether settings are acceptable: a bare JID,
+    // and no TLS only for a server on the loopback address. One line on
+    // refusal, an empty text otherwise.
+    static bool parseServer(const QString &text, QString *host, quint16 *port);
+    static QString settingsProblem(const VeskXmppSettings &settings);
+    static bool isLoopback(const QString &host);
+
 Q_SIGNALS:
     // A contact, temporary contact or group has been added to the host roster.
     void entryAdded(const VeskBuddy &entry);

@@ -193,8 +193,8 @@ void VeskXmppRoster::addEntries(Contact &contact, int from)
     for (int i = from; i < count; ++i) {
         const QString group = contact.groups.value(i);
         info.group = group.isEmpty() ? VeskBuddy() : host->acquireGroup(group);
-        const VeskBuddy entry = contact.temporary ? VeskStandIn::addTemporary(info)
-                                                  : VeskStandIn::addContact(info);
+        const VeskBuddy entry
+            = contact.temporary ? VeskStandIn::addTemporary(info) : VeskStandIn::addContact(info);
         contact.entries.append(entry);
         Q_EMIT host->entryAdded(entry);
     }
