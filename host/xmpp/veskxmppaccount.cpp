@@ -13,6 +13,7 @@
 
 #include <sys/ioctl.h>
 
+#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -131,6 +132,9 @@ public:
     QString error;
     QString lastLog;
     QString certificateError;
+    int socketError = 0;
+    bool tlsFailed = false;
+    bool authFailed = false;
     bool wanted = false;
     // Set while the account goes away: the roster's entries may be gone
     // already (the stand-in's reset), so nothing touches them any more.
@@ -191,11 +195,31 @@ QHash<const xmpp_conn_t *, VeskXmppAccountPrivate *> &VeskXmppAccountPrivate::ow
 void VeskXmppAccountPrivate::onLog(
     void *data, xmpp_log_level_t level, const char *area, const char *msg)
 {
-    // Kept to explain a failure the library reports without details.
-    if (level >= XMPP_LEVEL_WARN) {
-        auto *d = static_cast<VeskXmppAccountPrivate *>(data);
-        d->lastLog = QString::fromUtf8(area) + QLatin1String(": ") + QString::fromUtf8(msg);
-    }
+    // VESK_XMPP_DEBUG=1 shows the library's log on stderr, to see why a
+    // server and this client do not get along.
+    static const bool debug = qEnvironmentVariableIsSet("VESK_XMPP_DEBUG");
+    if (debug)
+        std::fprintf(stderr, "xmpp %d %s: %s\n", int(level), area, msg);
+    // The library tells why a connection failed only in its log: the
+    // socket's error, the certificate's verdict, the failed TLS handshake or
+    // authentication. Those lines are kept to say it in one line.
+    auto *d = static_cast<VeskXmppAccountPrivate *>(data);
+    if (std::strncmp(msg, "SENT", 4) == 0 || std::strncmp(msg, "RECV", 4) == 0)
+        return;
+    const QString text = QString::fromUtf8(msg);
+    static const QString connectionFailed = QStringLiteral("connection failed, error ");
+    static const QString certificateFailed
+        = QStringLiteral("Certificate verification FAILED, result=");
+    if (text.startsWith(connectionFailed))
+        d->socketError = text.mid(connectionFailed.size()).toInt();
+    else if (text.startsWith(certificateFailed))
+        d->certificateError = text.mid(certificateFailed.size());
+    else if (text.startsWith(QLatin1String("Couldn't start TLS")))
+        d->tlsFailed = true;
+    else if (text.contains(QLatin1String("auth failed")) || std::strcmp(area, "auth") == 0)
+        d->authFailed = true;
+    if (level >= XMPP_LEVEL_WARN)
+        d->lastLog = QString::fromUtf8(area) + QLatin1String(": ") + text;
 }
 
 int VeskXmppAccountPrivate::onSocket(xmpp_conn_t *conn, void *sock)
@@ -226,12 +250,18 @@ void VeskXmppAccountPrivate::start()
     error.clear();
     lastLog.clear();
     certificateError.clear();
+    socketError = 0;
+    tlsFailed = false;
+    authFailed = false;
     conn.reset(xmpp_conn_new(ctx.get()));
     owners().insert(conn.get(), this);
     long flags = XMPP_CONN_FLAG_DISABLE_SM;
     flags |= settings.insecure ? XMPP_CONN_FLAG_DISABLE_TLS : XMPP_CONN_FLAG_MANDATORY_TLS;
     xmpp_conn_set_flags(conn.get(), flags);
-    const QByteArray full = (settings.jid + QLatin1Char('/') + settings.resource).toUtf8();
+    const QByteArray full
+        = (settings.resource.isEmpty() ? settings.jid
+                                       : settings.jid + QLatin1Char('/') + settings.resource)
+              .toUtf8();
     xmpp_conn_set_jid(conn.get(), full.constData());
     xmpp_conn_set_pass(conn.get(), settings.password.constData());
     if (!settings.caFile.isEmpty())
@@ -359,27 +389,35 @@ void VeskXmppAccountPrivate::lost(int socketError, xmpp_stream_error_t *streamEr
         : QStringLiteral("%1:%2").arg(settings.host).arg(settings.port);
     // Refusals that another attempt would meet again end the account's tries.
     bool final = false;
+    const int errorNumber = socketError != 0 ? socketError : this->socketError;
     if (!certificateError.isEmpty()) {
-        error = VeskXmppAccount::tr("the certificate of %1 is not trusted: %2")
+        error = VeskXmppAccount::tr("the certificate of %1 is not trusted (%2); --xmpp-ca FILE "
+                                    "names a CA to trust")
                     .arg(where, certificateError);
+        final = true;
+    } else if (tlsFailed) {
+        error = VeskXmppAccount::tr("no TLS with %1: the handshake failed").arg(where);
+        final = true;
+    } else if (authFailed) {
+        error
+            = VeskXmppAccount::tr("%1 refused the log-in of %2: wrong password or unknown account")
+                  .arg(where, settings.jid);
         final = true;
     } else if (streamError) {
         error = VeskXmppAccount::tr("%1 ended the connection: %2")
                     .arg(where, QString::fromUtf8(streamError->text ? streamError->text : ""));
-    } else if (socketError != 0) {
+    } else if (errorNumber != 0 && !wasConnected) {
         error = VeskXmppAccount::tr("cannot connect to %1: %2")
-                    .arg(where, QString::fromLocal8Bit(std::strerror(socketError)));
+                    .arg(where, QString::fromLocal8Bit(std::strerror(errorNumber)));
     } else if (wasConnected) {
         error = VeskXmppAccount::tr("the connection to %1 was lost").arg(where);
-    } else if (lastLog.contains(QLatin1String("TLS"), Qt::CaseInsensitive) && !settings.insecure) {
-        error = VeskXmppAccount::tr("%1 does not offer TLS, which is required (%2)")
-                    .arg(where, lastLog);
-        final = true;
-    } else if (lastLog.contains(QLatin1String("auth"), Qt::CaseInsensitive)) {
-        error = VeskXmppAccount::tr("%1 refused the log-in of %2: wrong password or unknown "
-                                    "account")
-                    .arg(where, settings.jid);
-        final = true;
+    } else if (!settings.insecure) {
+        // With TLS required, a server that does not offer it is dropped
+        // before anything else is said.
+        error
+            = VeskXmppAccount::tr("%1 closed the connection before log-in; TLS is required: "
+                                  "does it offer TLS? (%2)")
+                  .arg(where, lastLog.isEmpty() ? VeskXmppAccount::tr("no reason given") : lastLog);
     } else {
         error
             = VeskXmppAccount::tr("%1 closed the connection before log-in (%2)")

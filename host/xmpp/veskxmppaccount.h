@@ -25,7 +25,9 @@ struct VeskXmppSettings
     bool insecure = false;
     // Connect again, waiting longer each time, when the server goes away.
     bool reconnect = false;
-    QString resource = QStringLiteral("vesk");
+    // Empty: the server picks one, so that two programs on one account do
+    // not push each other out.
+    QString resource;
 };
 
 // One XMPP account's connection. It logs in, fetches the roster, sends its

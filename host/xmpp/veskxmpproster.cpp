@@ -123,7 +123,6 @@ void VeskXmppRoster::upsert(const Item &item)
         Contact contact;
         if (it != contacts.end()) {
             contact.resources = it->resources;
-            contact.chats = it->chats;
             dropEntries(*it, 0);
             contacts.erase(it);
         }
@@ -132,7 +131,7 @@ void VeskXmppRoster::upsert(const Item &item)
         contact.subscription = subscription;
         it = contacts.insert(bare, contact);
         applyPresence(*it, true);
-        addEntries(*it, 0);
+        addEntries(bare, *it, 0);
         return;
     }
     Contact &contact = *it;
@@ -167,7 +166,7 @@ void VeskXmppRoster::upsert(const Item &item)
         }
         if (groups.isEmpty() && contact.entries.isEmpty())
             contact.groups.clear();
-        addEntries(contact, contact.entries.size());
+        addEntries(bare, contact, contact.entries.size());
     }
     if (renamed || resubscribed) {
         for (const VeskBuddy &entry : qAsConst(contact.entries)) {
@@ -180,7 +179,7 @@ void VeskXmppRoster::upsert(const Item &item)
     }
 }
 
-void VeskXmppRoster::addEntries(Contact &contact, int from)
+void VeskXmppRoster::addEntries(const QString &bare, Contact &contact, int from)
 {
     VeskStandIn::ContactInfo info;
     info.display = contact.display;
@@ -188,7 +187,7 @@ void VeskXmppRoster::addEntries(Contact &contact, int from)
     info.presence = VeskXmppHost::presence(contact.presenceId, contact.description);
     info.subscription = contact.subscription;
     if (!contact.temporary)
-        info.attributes.insert(chatsAttribute, VeskStandIn::makeIntArg(contact.chats));
+        info.attributes.insert(chatsAttribute, VeskStandIn::makeIntArg(chats.value(bare)));
     const int count = contact.groups.isEmpty() ? 1 : contact.groups.size();
     for (int i = from; i < count; ++i) {
         const QString group = contact.groups.value(i);
@@ -234,7 +233,7 @@ VeskXmppRoster::Contact &VeskXmppRoster::temporaryFor(const QString &bare)
     contact.temporary = true;
     contact.presenceId = QStringLiteral("offline");
     it = contacts.insert(bare, contact);
-    addEntries(*it, 0);
+    addEntries(bare, *it, 0);
     return *it;
 }
 
@@ -309,13 +308,13 @@ void VeskXmppRoster::message(const QString &from)
     if (bare.isEmpty() || bare == ownJid)
         return;
     Contact &contact = contacts.contains(bare) ? contacts[bare] : temporaryFor(bare);
-    ++contact.chats;
+    const int count = ++chats[bare];
     // A temporary contact has no attributes; its count shows once it is
     // added to the roster.
     if (contact.temporary)
         return;
     for (const VeskBuddy &entry : qAsConst(contact.entries)) {
-        VeskStandIn::setAttribute(entry, chatsAttribute, VeskStandIn::makeIntArg(contact.chats));
+        VeskStandIn::setAttribute(entry, chatsAttribute, VeskStandIn::makeIntArg(count));
         Q_EMIT host->entryChanged(entry);
     }
 }

@@ -68,7 +68,6 @@ private:
         QStringList groups; // empty: one entry without a group
         int subscription = 0;
         bool temporary = false;
-        int chats = 0;
         QVector<VeskBuddy> entries; // parallel to groups (one when none)
         QHash<QString, Resource> resources;
         QString presenceId;
@@ -77,7 +76,7 @@ private:
 
     void upsert(const Item &item);
     void removeContact(const QString &bare);
-    void addEntries(Contact &contact, int from);
+    void addEntries(const QString &bare, Contact &contact, int from);
     void dropEntries(Contact &contact, int from);
     void applyPresence(Contact &contact, bool force);
     void applyChats(Contact &contact);
@@ -88,5 +87,8 @@ private:
     QString ownJid;
     VeskAccountConnection *hostAccount;
     QHash<QString, Contact> contacts;
+    // Messages by bare JID since the program started, kept for people who
+    // come and go as temporary contacts or roster items.
+    QHash<QString, int> chats;
     quint64 seq = 0;
 };

@@ -1,5 +1,6 @@
 #include "prosodyserver.h"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QElapsedTimer>
@@ -139,7 +140,9 @@ bool ProsodyServer::start(QString *error)
           "c2s_direct_tls_ports = {}\n"
           "legacy_ssl_ports = {}\n"
           "s2s_ports = {}\n"
-          "modules_enabled = { \"roster\", \"saslauth\", \"tls\" }\n"
+          "modules_enabled = { \"roster\", \"saslauth\""
+        + QByteArray(tls == SelfSigned ? ", \"tls\"" : "")
+        + " }\n"
           "modules_disabled = { \"s2s\", \"offline\" }\n"
           "authentication = \"internal_hashed\"\n"
           "storage = \"internal\"\n"
@@ -276,7 +279,9 @@ bool XmppBuddy::run(const QString &command, QString *error, int timeoutMs)
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < timeoutMs) {
-        if (process.canReadLine() || process.waitForReadyRead(50)) {
+        // The client under test lives in this thread: its loop keeps running.
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        if (process.canReadLine() || process.waitForReadyRead(5)) {
             while (process.canReadLine()) {
                 const QByteArray line = process.readLine().trimmed();
                 if (line == "ok" || line == "ready")

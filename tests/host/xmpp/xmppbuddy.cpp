@@ -4,6 +4,7 @@
 // included, can be sent):
 //
 //   presence SHOW STATUS PRIORITY   available; SHOW "-" for none
+//   directed JID TYPE SHOW STATUS    to one JID; TYPE "-" available or "unavailable"
 //   unavailable
 //   message TO BODY
 //   roster-set JID NAME GROUP,GROUP  edits the account's own roster; NAME "-" none
@@ -48,7 +49,6 @@ struct Buddy
     double floodInterval = 0;
     QElapsedTimer floodClock;
     long floodSent = 0;
-    bool floodAnswer = false;
     bool syncPending = false;
 };
 
@@ -137,6 +137,17 @@ bool execute(Buddy &buddy, const QList<QByteArray> &words)
     const QByteArray command = words.value(0);
     if (command == "presence" && words.size() == 4) {
         sendPresence(buddy, decoded(words.at(1)), decoded(words.at(2)), words.at(3).toInt());
+    } else if (command == "directed" && words.size() == 5) {
+        // Presence to one JID only, as to someone not on the roster.
+        xmpp_stanza_t *presence = xmpp_presence_new(buddy.ctx);
+        xmpp_stanza_set_to(presence, decoded(words.at(1)).constData());
+        if (words.at(2) != "-")
+            xmpp_stanza_set_type(presence, decoded(words.at(2)).constData());
+        if (words.at(3) != "-")
+            addTextChild(buddy.ctx, presence, "show", decoded(words.at(3)));
+        if (words.at(4) != "-")
+            addTextChild(buddy.ctx, presence, "status", decoded(words.at(4)));
+        sendAndRelease(buddy, presence);
     } else if (command == "unavailable") {
         xmpp_stanza_t *presence = xmpp_presence_new(buddy.ctx);
         xmpp_stanza_set_type(presence, "unavailable");
@@ -165,7 +176,6 @@ bool execute(Buddy &buddy, const QList<QByteArray> &words)
         buddy.floodInterval = 1000.0 / qMax(1.0, words.at(2).toDouble());
         buddy.floodSent = 0;
         buddy.floodClock.start();
-        buddy.floodAnswer = true;
         return true; // answered when done
     } else if (command == "sync") {
     } else {
