@@ -51,8 +51,8 @@ void storeFilterAndMethod(const QString &dir)
         QStringLiteral("presence_name"), { QStringLiteral("f"), QStringLiteral("t") });
     VeskRosterFiltersStack *online
         = filters->addStackFilter(QStringLiteral("online"), VeskRosterFilter::RosterFilterAnd);
-    VeskRosterFilter *leaf = filters->createFilter(
-        QStringLiteral("presence"), VeskRosterFilter::RosterFilterLeaf);
+    VeskRosterFilter *leaf
+        = filters->createFilter(QStringLiteral("presence"), VeskRosterFilter::RosterFilterLeaf);
     QList<VeskField> fields = leaf->getConfiguration();
     for (VeskField &f : fields) {
         if (f.getId() == QLatin1String("is_or_not"))
@@ -63,7 +63,7 @@ void storeFilterAndMethod(const QString &dir)
     leaf->setConfiguration(fields);
     online->appendFilter(leaf);
     online->setSorter(QStringLiteral("presence_name"));
-    filters->writeFilterSettings(online);
+    online->writeFilterSettings();
     filters->setCurrentFilter(QStringLiteral("online"));
 }
 
@@ -75,10 +75,12 @@ struct Window
 
     Window()
     {
-        QObject::connect(host.get(), &VeskXmppHost::entryAdded, &model, &VeskRosterTreeModel::insertEntry);
+        QObject::connect(
+            host.get(), &VeskXmppHost::entryAdded, &model, &VeskRosterTreeModel::insertEntry);
         QObject::connect(host.get(), &VeskXmppHost::entryAboutToBeRemoved, &model,
             &VeskRosterTreeModel::removeEntry);
-        QObject::connect(host.get(), &VeskXmppHost::entryChanged, &model, &VeskRosterTreeModel::entryChanged);
+        QObject::connect(
+            host.get(), &VeskXmppHost::entryChanged, &model, &VeskRosterTreeModel::entryChanged);
         model.setRoster(VeskStandIn::entries());
         proxy.setSourceModel(&model);
     }
@@ -109,7 +111,8 @@ void BM_XmppPresenceUpdates(benchmark::State &state)
     VeskXmppRoster *roster = w.host->addRoster(QStringLiteral("me@example.org"));
     QList<VeskXmppRoster::Item> items;
     for (int i = 0; i < contacts; ++i)
-        items.append({ jidOf(i), QStringLiteral("Contact %1").arg(i), { QStringLiteral("Group %1").arg(i % 20) }, QStringLiteral("both") });
+        items.append({ jidOf(i), QStringLiteral("Contact %1").arg(i),
+            { QStringLiteral("Group %1").arg(i % 20) }, QStringLiteral("both") });
     roster->setRoster(items);
     QRandomGenerator random(11);
     for (int i = 0; i < contacts; i += 2)
@@ -129,12 +132,15 @@ void BM_XmppPresenceUpdates(benchmark::State &state)
             const bool gone = random.bounded(8) == 0;
             const QString status = QStringLiteral("status %1").arg(n);
             double start = threadCpuSeconds();
-            roster->presence(jidOf(i) + QLatin1String("/r"), gone ? QStringLiteral("unavailable") : QString(),
-                QString::fromLatin1(show), status, 0);
+            roster->presence(jidOf(i) + QLatin1String("/r"),
+                gone ? QStringLiteral("unavailable") : QString(), QString::fromLatin1(show), status,
+                0);
             mapped += threadCpuSeconds() - start;
             const int member = random.bounded(members.size());
-            const VeskPresence presence = VeskXmppHost::presence(
-                gone ? QStringLiteral("offline") : (*show ? QString::fromLatin1(show) : QStringLiteral("online")), status);
+            const VeskPresence presence = VeskXmppHost::presence(gone
+                    ? QStringLiteral("offline")
+                    : (*show ? QString::fromLatin1(show) : QStringLiteral("online")),
+                status);
             start = threadCpuSeconds();
             VeskStandIn::setPresence(members.at(member), presence);
             w.model.memberChanged(member);
@@ -165,11 +171,12 @@ struct Server
             && prosody.addAccount(QStringLiteral("flood"), password, &error);
         QList<ProsodyServer::RosterItem> items;
         for (int i = 0; i < 5000; ++i)
-            items.append({ QStringLiteral("c%1@localhost").arg(i), QStringLiteral("Contact %1").arg(i),
-                { QStringLiteral("Group %1").arg(i % 20) } });
+            items.append({ QStringLiteral("c%1@localhost").arg(i),
+                QStringLiteral("Contact %1").arg(i), { QStringLiteral("Group %1").arg(i % 20) } });
         items.append({ ProsodyServer::jid(QStringLiteral("flood")), QStringLiteral("Flood"), {} });
         ok = ok && prosody.writeRoster(QStringLiteral("me"), items, &error)
-            && prosody.writeRoster(QStringLiteral("flood"), { { ProsodyServer::jid(QStringLiteral("me")), QString(), {} } }, &error);
+            && prosody.writeRoster(QStringLiteral("flood"),
+                { { ProsodyServer::jid(QStringLiteral("me")), QString(), {} } }, &error);
     }
     VeskXmppSettings account() const
     {
@@ -217,7 +224,11 @@ void BM_XmppLogin5000(benchmark::State &state)
         clock.start();
         VeskXmppAccount *account = w.host->addAccount(s.account());
         account->connectToServer();
-        const bool done = waitFor([&] { return account->state() == VeskXmppAccount::Connected && w.shown() >= 5000 + 20; }, 30000);
+        const bool done = waitFor(
+            [&] {
+                return account->state() == VeskXmppAccount::Connected && w.shown() >= 5000 + 20;
+            },
+            30000);
         total += clock.nsecsElapsed() * 1e-9;
         if (!done) {
             state.SkipWithError("the roster did not show within 30 s");
@@ -248,7 +259,8 @@ void BM_XmppPresenceFlood(benchmark::State &state)
         waitFor([&] { return account->state() == VeskXmppAccount::Connected; }, 30000);
         XmppBuddy flooder;
         QString error;
-        if (!flooder.start(s.prosody, ProsodyServer::jid(QStringLiteral("flood")), password, &error)) {
+        if (!flooder.start(
+                s.prosody, ProsodyServer::jid(QStringLiteral("flood")), password, &error)) {
             state.SkipWithError(qPrintable(error));
             return;
         }

@@ -8,6 +8,9 @@
 #include <veskxmpphost.h>
 #include <veskxmpproster.h>
 
+#include <rostertreemodel.h>
+
+#include <QAbstractItemModelTester>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -67,6 +70,30 @@ QString rosterText()
     }
     lines.sort();
     return lines.join(QLatin1Char('\n'));
+}
+
+// The tree as "Group(member,member) member", every index asked for by row
+// and checked to answer that row and parent.
+QString treeText(const QAbstractItemModel &model)
+{
+    QStringList top;
+    for (int row = 0; row < model.rowCount(); ++row) {
+        const QModelIndex index = model.index(row, 0);
+        if (index.row() != row || model.parent(index).isValid())
+            return QStringLiteral("row %1 is lost").arg(row);
+        QString text = index.data().toString();
+        QStringList children;
+        for (int child = 0; child < model.rowCount(index); ++child) {
+            const QModelIndex c = model.index(child, 0, index);
+            if (c.row() != child || model.parent(c) != index)
+                return QStringLiteral("row %1 of %2 is lost").arg(child).arg(text);
+            children.append(c.data().toString());
+        }
+        if (!children.isEmpty())
+            text += QLatin1Char('(') + children.join(QLatin1Char(',')) + QLatin1Char(')');
+        top.append(text);
+    }
+    return top.join(QLatin1Char(' '));
 }
 
 } // namespace
@@ -259,6 +286,38 @@ private Q_SLOTS:
         QCOMPARE(VeskRoster::getInstance()->getGroupsNames(), QStringList({ QStringLiteral("F") }));
         roster->setRoster({});
         QCOMPARE(rosterText(), QStringLiteral("contact F/Ann at work offline 0 s3\ngroup F"));
+    }
+
+    // The window's tree model follows the host entry by entry: checked by
+    // the model tester at every step, and row by row against the host.
+    void treeModelFollowsTheHost()
+    {
+        VeskRosterTreeModel model;
+        QAbstractItemModelTester tester(
+            &model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setRoster(VeskStandIn::entries());
+        connect(host.get(), &VeskXmppHost::entryAdded, &model, &VeskRosterTreeModel::insertEntry);
+        connect(host.get(), &VeskXmppHost::entryAboutToBeRemoved, &model,
+            &VeskRosterTreeModel::removeEntry);
+        connect(
+            host.get(), &VeskXmppHost::entryChanged, &model, &VeskRosterTreeModel::entryChanged);
+        roster->setRoster({ item(QStringLiteral("ann@x"), QStringLiteral("Ann"),
+                                { QStringLiteral("A"), QStringLiteral("B") }),
+            item(QStringLiteral("bob@x"), QStringLiteral("Bob"), { QStringLiteral("A") }),
+            item(QStringLiteral("cy@x"), QStringLiteral("Cy"), {}),
+            item(QStringLiteral("dee@x"), QStringLiteral("Dee"), {}) });
+        roster->message(QStringLiteral("tmp@y"));
+        QCOMPARE(treeText(model), QStringLiteral("A(Ann,Bob) B(Ann) Cy Dee tmp@y"));
+        // Rows before others go: the rows after them must be found again.
+        roster->pushItem(item(QStringLiteral("cy@x"), QString(), {}, QStringLiteral("remove")));
+        roster->pushItem(
+            item(QStringLiteral("ann@x"), QStringLiteral("Ann"), { QStringLiteral("B") }));
+        QCOMPARE(treeText(model), QStringLiteral("A(Bob) B(Ann) Dee tmp@y"));
+        roster->pushItem(item(QStringLiteral("bob@x"), QString(), {}, QStringLiteral("remove")));
+        roster->presence(
+            QStringLiteral("dee@x/r"), QString(), QStringLiteral("away"), QString(), 0);
+        QCOMPARE(treeText(model), QStringLiteral("B(Ann) Dee tmp@y"));
+        QCOMPARE(model.members().size(), 3);
     }
 
     void settingsChecks_data()
