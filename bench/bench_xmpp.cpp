@@ -8,6 +8,7 @@
 
 #include "threadcputime.h"
 
+#include <accountstatus.h>
 #include <prosodyserver.h>
 #include <rostertreemodel.h>
 #include <veskfield.h>
@@ -75,12 +76,7 @@ struct Window
 
     Window()
     {
-        QObject::connect(
-            host.get(), &VeskXmppHost::entryAdded, &model, &VeskRosterTreeModel::insertEntry);
-        QObject::connect(host.get(), &VeskXmppHost::entryAboutToBeRemoved, &model,
-            &VeskRosterTreeModel::removeEntry);
-        QObject::connect(
-            host.get(), &VeskXmppHost::entryChanged, &model, &VeskRosterTreeModel::entryChanged);
+        VeskAccountStatus::follow(host.get(), &model);
         model.setRoster(VeskStandIn::entries());
         proxy.setSourceModel(&model);
     }

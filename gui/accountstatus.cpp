@@ -18,6 +18,16 @@
 #include <QTimer>
 #include <QTreeView>
 
+void VeskAccountStatus::follow(VeskXmppHost *host, VeskRosterTreeModel *model)
+{
+    connect(host, &VeskXmppHost::entryAdded, model, &VeskRosterTreeModel::insertEntry);
+    connect(host, &VeskXmppHost::entryAboutToBeRemoved, model, &VeskRosterTreeModel::removeEntry);
+    connect(host, &VeskXmppHost::entryChanged, model, &VeskRosterTreeModel::entryChanged);
+    connect(
+        host, &VeskXmppHost::entriesAboutToBeReset, model, &VeskRosterTreeModel::beginEntriesReset);
+    connect(host, &VeskXmppHost::entriesReset, model, &VeskRosterTreeModel::endEntriesReset);
+}
+
 void VeskAccountStatus::addOptions(QCommandLineParser &parser)
 {
     parser.addOption(QCommandLineOption(QStringLiteral("xmpp"),
@@ -74,13 +84,10 @@ VeskAccountStatus::VeskAccountStatus(VeskRosterWindow *window, const Options &op
     , xmppHost(std::make_unique<VeskXmppHost>())
     , ticker(new QTimer(this))
 {
-    VeskRosterTreeModel *model = window->model();
-    connect(xmppHost.get(), &VeskXmppHost::entryAdded, model, &VeskRosterTreeModel::insertEntry);
-    connect(xmppHost.get(), &VeskXmppHost::entryAboutToBeRemoved, model,
-        &VeskRosterTreeModel::removeEntry);
-    connect(xmppHost.get(), &VeskXmppHost::entryChanged, model, &VeskRosterTreeModel::entryChanged);
+    follow(xmppHost.get(), window->model());
     // Groups that arrive are shown open, as the window shows them at start.
     QTreeView *view = window->view();
+    connect(window->proxy(), &QAbstractItemModel::modelReset, view, &QTreeView::expandAll);
     connect(window->proxy(), &QAbstractItemModel::rowsInserted, view,
         [view](const QModelIndex &parent, int first, int last) {
             if (parent.isValid())

@@ -8,6 +8,7 @@
 class QCommandLineParser;
 class QLabel;
 class QTimer;
+class VeskRosterTreeModel;
 class VeskRosterWindow;
 class VeskXmppAccount;
 class VeskXmppHost;
@@ -28,6 +29,10 @@ public:
         QString caFile;
         bool insecure = false;
     };
+
+    // The tree model follows the host: rows inserted, removed, changed, or
+    // all read anew when a whole roster arrives.
+    static void follow(VeskXmppHost *host, VeskRosterTreeModel *model);
 
     static void addOptions(QCommandLineParser &parser);
     // False with *error (one line) when the options cannot be used.

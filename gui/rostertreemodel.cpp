@@ -31,6 +31,12 @@ VeskRosterTreeModel::VeskRosterTreeModel(QObject *parent)
 void VeskRosterTreeModel::setRoster(const QList<VeskBuddy> &entries)
 {
     beginResetModel();
+    rebuild(entries);
+    endResetModel();
+}
+
+void VeskRosterTreeModel::rebuild(const QList<VeskBuddy> &entries)
+{
     nodes.clear();
     topLevel.clear();
     memberEntries.clear();
@@ -62,7 +68,6 @@ void VeskRosterTreeModel::setRoster(const QList<VeskBuddy> &entries)
     for (int node = 0; node < nodes.size(); ++node)
         entryNodes.insert(VeskStandIn::entryKey(nodes.at(node).buddy), node);
     groupNodes = groups;
-    endResetModel();
 }
 
 void VeskRosterTreeModel::memberChanged(int member)

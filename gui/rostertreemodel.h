@@ -37,6 +37,10 @@ public:
     void insertEntry(const VeskBuddy &entry);
     void removeEntry(const VeskBuddy &entry);
     void entryChanged(const VeskBuddy &entry);
+    // Many entries at once (a whole roster arrived): the rows go on the
+    // first call, and the second reads VeskStandIn::entries() anew.
+    void beginEntriesReset();
+    void endEntriesReset();
 
     QModelIndex index(
         int row, int column, const QModelIndex &parent = QModelIndex()) const override;
@@ -54,6 +58,7 @@ private:
         int row = 0;
         QVector<int> children;
     };
+    void rebuild(const QList<VeskBuddy> &entries);
     QModelIndex indexOf(int node, int column) const;
     QVariant text(const Node &node, int column) const;
 

@@ -97,3 +97,14 @@ void VeskRosterTreeModel::entryChanged(const VeskBuddy &entry)
         return;
     Q_EMIT dataChanged(indexOf(node, 0), indexOf(node, ColumnCount - 1));
 }
+
+void VeskRosterTreeModel::beginEntriesReset()
+{
+    beginResetModel();
+}
+
+void VeskRosterTreeModel::endEntriesReset()
+{
+    rebuild(VeskStandIn::entries());
+    endResetModel();
+}

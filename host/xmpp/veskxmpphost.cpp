@@ -98,7 +98,7 @@ VeskBuddy VeskXmppHost::acquireGroup(const QString &name)
     Group &group = groups[name];
     if (group.users++ == 0) {
         group.entry = VeskStandIn::addGroup(name, nextGroupPos++);
-        Q_EMIT entryAdded(group.entry);
+        added(group.entry);
     }
     return group.entry;
 }
@@ -110,7 +110,7 @@ void VeskXmppHost::releaseGroup(const QString &name)
         return;
     const VeskBuddy entry = it->entry;
     groups.erase(it);
-    Q_EMIT entryAboutToBeRemoved(entry);
+    removing(entry);
     VeskStandIn::removeEntry(entry);
 }
 
@@ -158,4 +158,35 @@ QString VeskXmppHost::settingsProblem(const VeskXmppSettings &settings)
             "address (127.0.0.1, ::1 or localhost)");
     }
     return QString();
+}
+
+void VeskXmppHost::added(const VeskBuddy &entry)
+{
+    if (bulkDepth == 0)
+        Q_EMIT entryAdded(entry);
+}
+
+void VeskXmppHost::removing(const VeskBuddy &entry)
+{
+    if (bulkDepth == 0)
+        Q_EMIT entryAboutToBeRemoved(entry);
+}
+
+void VeskXmppHost::changed(const VeskBuddy &entry)
+{
+    if (bulkDepth == 0)
+        Q_EMIT entryChanged(entry);
+}
+
+VeskXmppHost::Bulk::Bulk(VeskXmppHost *host)
+    : host(host)
+{
+    if (host->bulkDepth++ == 0)
+        Q_EMIT host->entriesAboutToBeReset();
+}
+
+VeskXmppHost::Bulk::~Bulk()
+{
+    if (--host->bulkDepth == 0)
+        Q_EMIT host->entriesReset();
 }

@@ -57,9 +57,26 @@ Q_SIGNALS:
     void entryAboutToBeRemoved(const VeskBuddy &entry);
     // Its display, presence, subscription or chats count changed.
     void entryChanged(const VeskBuddy &entry);
+    // Between these two, many entries come and go at once (a whole roster
+    // arrived) and are not told one by one: a model lets go of the entries
+    // it holds on the first and reads VeskStandIn::entries() anew on the
+    // second.
+    void entriesAboutToBeReset();
+    void entriesReset();
 
 private:
     friend class VeskXmppRoster;
+    // Changes made while one lives are told as one reset.
+    struct Bulk
+    {
+        explicit Bulk(VeskXmppHost *host);
+        ~Bulk();
+        VeskXmppHost *host;
+    };
+    void added(const VeskBuddy &entry);
+    void removing(const VeskBuddy &entry);
+    void changed(const VeskBuddy &entry);
+    int bulkDepth = 0;
     // The host group of that name, added on its first use; released when the
     // last entry in it goes, so that no empty group lingers.
     VeskBuddy acquireGroup(const QString &name);

@@ -84,6 +84,9 @@ QVector<VeskBuddy> VeskXmppRoster::entriesOf(const QString &bareJid) const
 
 void VeskXmppRoster::setRoster(const QList<Item> &items)
 {
+    // A whole roster at once: one reset of the views instead of thousands
+    // of single rows.
+    const VeskXmppHost::Bulk bulk(host);
     QSet<QString> listed;
     for (const Item &item : items) {
         if (item.subscription == QLatin1String("remove"))
@@ -153,7 +156,7 @@ void VeskXmppRoster::upsert(const Item &item)
                 keptGroups.append(group);
                 continue;
             }
-            Q_EMIT host->entryAboutToBeRemoved(contact.entries.at(i));
+            host->removing(contact.entries.at(i));
             VeskStandIn::removeEntry(contact.entries.at(i));
             if (!group.isEmpty())
                 host->releaseGroup(group);
@@ -174,7 +177,7 @@ void VeskXmppRoster::upsert(const Item &item)
                 VeskStandIn::setDisplay(entry, display);
             if (resubscribed)
                 VeskStandIn::setSubscription(entry, subscription);
-            Q_EMIT host->entryChanged(entry);
+            host->changed(entry);
         }
     }
 }
@@ -195,7 +198,7 @@ void VeskXmppRoster::addEntries(const QString &bare, Contact &contact, int from)
         const VeskBuddy entry
             = contact.temporary ? VeskStandIn::addTemporary(info) : VeskStandIn::addContact(info);
         contact.entries.append(entry);
-        Q_EMIT host->entryAdded(entry);
+        host->added(entry);
     }
 }
 
@@ -203,7 +206,7 @@ void VeskXmppRoster::dropEntries(Contact &contact, int from)
 {
     while (contact.entries.size() > from) {
         const VeskBuddy entry = contact.entries.takeLast();
-        Q_EMIT host->entryAboutToBeRemoved(entry);
+        host->removing(entry);
         VeskStandIn::removeEntry(entry);
         const QString group = contact.groups.value(contact.entries.size());
         if (!group.isEmpty())
@@ -298,7 +301,7 @@ void VeskXmppRoster::applyPresence(Contact &contact, bool quiet)
     const VeskPresence presence = VeskXmppHost::presence(id, description);
     for (const VeskBuddy &entry : qAsConst(contact.entries)) {
         VeskStandIn::setPresence(entry, presence);
-        Q_EMIT host->entryChanged(entry);
+        host->changed(entry);
     }
 }
 
@@ -315,12 +318,13 @@ void VeskXmppRoster::message(const QString &from)
         return;
     for (const VeskBuddy &entry : qAsConst(contact.entries)) {
         VeskStandIn::setAttribute(entry, chatsAttribute, VeskStandIn::makeIntArg(count));
-        Q_EMIT host->entryChanged(entry);
+        host->changed(entry);
     }
 }
 
 void VeskXmppRoster::setOffline()
 {
+    const VeskXmppHost::Bulk bulk(host);
     QStringList temporaries;
     for (auto it = contacts.begin(); it != contacts.end(); ++it) {
         it->resources.clear();

@@ -9,6 +9,7 @@
 
 #include "prosodyserver.h"
 
+#include <accountstatus.h>
 #include <rostertreemodel.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterproxymodel.h>
@@ -266,11 +267,7 @@ void tst_XmppLive::initTestCase()
     host = std::make_unique<VeskXmppHost>();
     model = std::make_unique<VeskRosterTreeModel>();
     model->setRoster(VeskStandIn::entries());
-    connect(host.get(), &VeskXmppHost::entryAdded, model.get(), &VeskRosterTreeModel::insertEntry);
-    connect(host.get(), &VeskXmppHost::entryAboutToBeRemoved, model.get(),
-        &VeskRosterTreeModel::removeEntry);
-    connect(
-        host.get(), &VeskXmppHost::entryChanged, model.get(), &VeskRosterTreeModel::entryChanged);
+    VeskAccountStatus::follow(host.get(), model.get());
     proxy = std::make_unique<VeskRosterProxyModel>();
     proxy->setSourceModel(model.get());
     QCOMPARE(VeskRosterFiltersManager::getInstance()->getCurrentFilterName(),

@@ -8,6 +8,7 @@
 #include <veskxmpphost.h>
 #include <veskxmpproster.h>
 
+#include <accountstatus.h>
 #include <rostertreemodel.h>
 
 #include <QAbstractItemModelTester>
@@ -296,11 +297,7 @@ private Q_SLOTS:
         QAbstractItemModelTester tester(
             &model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.setRoster(VeskStandIn::entries());
-        connect(host.get(), &VeskXmppHost::entryAdded, &model, &VeskRosterTreeModel::insertEntry);
-        connect(host.get(), &VeskXmppHost::entryAboutToBeRemoved, &model,
-            &VeskRosterTreeModel::removeEntry);
-        connect(
-            host.get(), &VeskXmppHost::entryChanged, &model, &VeskRosterTreeModel::entryChanged);
+        VeskAccountStatus::follow(host.get(), &model);
         roster->setRoster({ item(QStringLiteral("ann@x"), QStringLiteral("Ann"),
                                 { QStringLiteral("A"), QStringLiteral("B") }),
             item(QStringLiteral("bob@x"), QStringLiteral("Bob"), { QStringLiteral("A") }),
