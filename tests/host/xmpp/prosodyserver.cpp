@@ -215,6 +215,20 @@ void ProsodyServer::stop()
     }
 }
 
+double ProsodyServer::cpuSeconds() const
+{
+    if (!isRunning())
+        return 0;
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(process->processId()));
+    if (!stat.open(QIODevice::ReadOnly))
+        return 0;
+    // Fields 14 and 15 (utime, stime), counted after the command's ")".
+    const QByteArray line = stat.readAll();
+    const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
+    return (fields.value(11).toDouble() + fields.value(12).toDouble())
+        / double(::sysconf(_SC_CLK_TCK));
+}
+
 bool ProsodyServer::addAccount(const QString &user, const QByteArray &password, QString *error)
 {
     QProcess ctl;

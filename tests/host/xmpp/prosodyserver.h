@@ -52,6 +52,8 @@ public:
     QString caFile() const; // the certificate to trust (empty without TLS)
     QString log() const;
     QString dir() const { return temp.path(); }
+    // CPU seconds the server has used so far (user and system), from /proc.
+    double cpuSeconds() const;
 
 private:
     bool waitListening(int msecs) const;
