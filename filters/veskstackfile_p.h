@@ -12,6 +12,11 @@
 // stored under "%h" followed by a hash, with the name itself kept in the
 // file's root attribute "name". Temporary files of a save start with a dot,
 // so the listing never takes them for filters.
+//
+// The session both programs store through finds a filter's file and keeps
+// the library's bounds with the functions marked as private exports below.
+
+#include "vesk_roster_filter_private_export_p.h"
 
 #include <QByteArray>
 #include <QString>
@@ -27,7 +32,7 @@ constexpr int MaxDepth = 256;
 // Longer file names (in the file system's encoding) are hashed.
 constexpr int MaxPlainFileNameBytes = 128;
 
-QString directory();
+VESK_ROSTER_FILTER_PRIVATE_EXPORT QString directory();
 
 // Temporary files of a save start with this hidden prefix; those older than
 // StaleTemporaryAge seconds are left over from a crash and removed at start-up.
@@ -35,19 +40,20 @@ QString temporaryPrefix();
 constexpr int StaleTemporaryAge = 60 * 60;
 void removeStaleTemporaries();
 
-QString escapeName(const QString &name, bool asciiOnly);
+VESK_ROSTER_FILTER_PRIVATE_EXPORT QString escapeName(const QString &name, bool asciiOnly);
 bool unescapeName(const QString &escaped, QString *name);
 
 // The file name of a stack; empty for the empty name, which has no file.
-QString fileName(const QString &id);
+VESK_ROSTER_FILTER_PRIVATE_EXPORT QString fileName(const QString &id);
 // The identifier stored in the file of the directory called fileName, when
 // it is the file of a stack: fileName(*id) == fileName afterwards.
-bool idForFile(const QString &fileName, QString *id);
+VESK_ROSTER_FILTER_PRIVATE_EXPORT bool idForFile(const QString &fileName, QString *id);
 
 // Whether bytes form a stack file that may be handed to the DOM: within the
 // bounds, well formed, without a DTD and with the root "stack_filter".
 // storedName receives the root's "name" attribute.
-bool isAcceptable(const QByteArray &bytes, QString *storedName = nullptr);
+VESK_ROSTER_FILTER_PRIVATE_EXPORT bool isAcceptable(
+    const QByteArray &bytes, QString *storedName = nullptr);
 
 enum Status { Missing, Unacceptable, Acceptable };
 struct ReadResult

@@ -1,8 +1,8 @@
 #include "accountstatus.h"
-#include "filtereditor.h"
+#include "filtersdialog.h"
 #include "mainwindow.h"
 #include "rosterlibrary.h"
-#include "sortereditor.h"
+#include "sortingdialog.h"
 
 #include <librarysession.h>
 #include <rosterfile.h>
@@ -23,7 +23,8 @@ void installTranslations(QApplication &app)
 {
     const QLocale locale;
     const QString here = QCoreApplication::applicationDirPath();
-    for (const char *catalogue : { "vesk_roster_gui", "vesk_gui_roster_filter" }) {
+    for (const char *catalogue :
+        { "vesk_roster_gui", "vesk_gui_roster_widgets", "vesk_gui_roster_filter" }) {
         auto *translator = new QTranslator(&app);
         const QString name = QString::fromLatin1(catalogue);
         if (translator->load(locale, name, QStringLiteral("_"), here)

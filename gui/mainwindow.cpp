@@ -1,18 +1,17 @@
 #include "mainwindow.h"
 
-#include "filtereditor.h"
-#include "filtertree.h"
+#include "filtersdialog.h"
 #include "rosterlibrary.h"
 #include "rostertreemodel.h"
+#include "sortingdialog.h"
 
 #include <librarysession.h>
+#include <veskfilterkinds.h>
 #include <veskrosterfiltersmanager.h>
 #include <veskrosterfiltersstack.h>
 #include <veskrosterproxymodel.h>
 #include <veskrostersortersmanager.h>
 #include <veskstandin.h>
-
-#include "sortereditor.h"
 
 #include <QAction>
 #include <QApplication>
@@ -242,9 +241,8 @@ void VeskRosterWindow::chooseSorter(int index)
             if (!stack || stack->getSorter().isEmpty())
                 return true;
             const std::unique_ptr<VeskRosterFiltersStack> replacement(
-                static_cast<VeskRosterFiltersStack *>(
-                    VeskFilterTreeOps::copy(stack, session.filters())));
-            replacement->setAdvancedMode(stack->isAdvancedMode());
+                VeskFilterKinds().copyStack(stack));
+            replacement->setSorter(QString());
             return session.replaceStack(current, replacement.get(), error);
         },
         &error);

@@ -3,6 +3,7 @@
 #include <veskrosterfilter.h>
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -25,7 +26,11 @@ class VeskSettingsLock;
 // The session holds a lock on the directory from open() to close():
 // exclusive for ReadWrite, so that runs are serialised rather than
 // interleaved, shared for ReadOnly. A ReadOnly session never writes: what the
-// library stores (it does while it starts) stays in memory.
+// library stores (it does while it starts) stays in memory. A directory that
+// is not there yet cannot be locked: a writer creates it under an exclusive
+// lock of the nearest directory that exists, and a reader of the missing
+// directory holds a shared lock of that one instead, so it reads either
+// nothing or everything a writer stored.
 //
 // The library's managers are singletons, so one session is open at a time.
 // Nothing here prints; errors are one translated sentence each.
@@ -96,7 +101,7 @@ public:
     bool isEditable(const QString &id, QString *error) const;
 
     // Whether the stack would be stored under `id` and read back as it is:
-    // nesting, size and every text. Writes nothing.
+    // nesting, size, every text and the method it keeps. Writes nothing.
     bool checkStorable(VeskRosterFiltersStack *stack, const QString &id, QString *error);
 
     // A new top-level stack, registered and listed last; stored by
@@ -108,7 +113,9 @@ public:
     bool storeStack(VeskRosterFiltersStack *stack, QString *error);
     // Stores `replacement` (built with an empty name, owned by the caller) as
     // the filter `id`, in its place; the old filter stays untouched, file
-    // and all, unless the replacement is stored and verified.
+    // and all, unless the replacement is stored and verified. A replacement
+    // that carries over the method the old filter was only lent (see
+    // storedMethod()) keeps following the default method.
     bool replaceStack(const QString &id, VeskRosterFiltersStack *replacement, QString *error);
     bool removeStack(const QString &id, QString *error);
     bool renameStack(const QString &oldId, const QString &newId, QString *error);
@@ -117,10 +124,21 @@ public:
     bool moveDown(const QString &id, QString *error);
     bool setCurrentFilter(const QString &id, QString *error);
 
+    // The sorting method a user's filter keeps in its file: empty for one
+    // without a method of its own, which follows the default method. It
+    // differs from the filter's getSorter() while such a filter is current,
+    // since the library then lends it the default method in memory. Every
+    // store keeps this method; only sortCurrentFilter() changes it.
+    QString storedMethod(VeskRosterFiltersStack *stack) const;
+
     bool storeSorter(
         const QString &name, const QStringList &ids, const QStringList &ascending, QString *error);
     // Removing the default method clears the default: the built-in order.
     bool removeSorter(const QString &name, QString *error);
+    // Renames a method together with every filter that sorts by it and the
+    // default; refused for a name in use or when such a filter cannot be
+    // stored. (sortermethods.cpp)
+    bool renameSorter(const QString &oldName, const QString &newName, QString *error);
     // An empty name: no default method, the built-in order.
     bool setDefaultSorter(const QString &name, QString *error);
     // Makes the method current and stores it with the current filter.
@@ -128,8 +146,12 @@ public:
 
 private:
     bool startLibrary(QString *error);
+    bool lockForReading(int timeoutMs, QString *error);
+    bool lockCreation(VeskSettingsLock *creation, int timeoutMs, QString *error);
     bool isWritable(QString *error) const;
     void findUnreadable();
+    void findFiltersWithoutMethod();
+    void noteStoredMethod(VeskRosterFiltersStack *stack, const QString &method);
     bool verifySettings(QString *error) const;
     bool verifyStored(VeskRosterFiltersStack *stack, const QString &id, QString *error);
     bool verifyRemoved(const QString &id, QString *error) const;
@@ -146,4 +168,6 @@ private:
     VeskRosterFilter *defaultFilter = nullptr;
     QList<VeskRosterFiltersStack *> stacks;
     QList<Unreadable> unreadable;
+    // The user's filters whose files name no sorting method.
+    QSet<VeskRosterFiltersStack *> followingDefault;
 };

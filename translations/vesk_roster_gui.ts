@@ -8,127 +8,11 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>&amp;Filters:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;New filter</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ctrl+N</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Remove filter</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ctrl+Del</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Filter up</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Alt+Up</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Filter down</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Alt+Down</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Na&amp;me:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ad&amp;vanced mode</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Conditions:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Kind:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Add condition</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ins</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Add nested &amp;stack</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ctrl+Ins</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Remove</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Move &amp;up</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ctrl+Up</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Move &amp;down</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ctrl+Down</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>AND: every condition</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>OR: any condition</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Join with:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Shows:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>Ctrl+Return</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>every entry; the default filter cannot be edited</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>OR</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>AND</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>filter %1</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -148,15 +32,11 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Kind</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Condition</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>the filter &quot;%1&quot; nests stacks %2 levels deep, deeper than %3 levels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Why the filters were not stored</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -253,6 +133,10 @@
         <source>%1 of %2 entries shown</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>The settings directory can no longer be read, so the roster window closes: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>VeskSorterEditor</name>
@@ -261,87 +145,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>&amp;Methods:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;New method</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ctrl+N</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Remove method</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ctrl+Del</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Na&amp;me:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Default method (for filters without one)</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Com&amp;parators:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>The first comparator that tells two entries apart decides; a checked comparator sorts ascending (Space switches).</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Comparator:</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Add</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ins</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>&amp;Remove</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Move &amp;up</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ctrl+Up</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Move do&amp;wn</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Ctrl+Down</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>Ctrl+Return</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>%1, ascending</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>%1, descending</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>method %1</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -350,6 +154,10 @@
     </message>
     <message>
         <source>two methods are named &quot;%1&quot;; choose another name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Why the sorting methods were not stored</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -9,107 +9,107 @@
     </message>
     <message>
         <source>&amp;Filters:</source>
-        <translation>&amp;Filter:</translation>
+        <translation type="vanished">&amp;Filter:</translation>
     </message>
     <message>
         <source>&amp;New filter</source>
-        <translation>&amp;Neuer Filter</translation>
+        <translation type="vanished">&amp;Neuer Filter</translation>
     </message>
     <message>
         <source>Ctrl+N</source>
-        <translation>Ctrl+N</translation>
+        <translation type="vanished">Ctrl+N</translation>
     </message>
     <message>
         <source>Remove filter</source>
-        <translation>Filter entfernen</translation>
+        <translation type="vanished">Filter entfernen</translation>
     </message>
     <message>
         <source>Ctrl+Del</source>
-        <translation>Ctrl+Del</translation>
+        <translation type="vanished">Ctrl+Del</translation>
     </message>
     <message>
         <source>Filter up</source>
-        <translation>Filter nach oben</translation>
+        <translation type="vanished">Filter nach oben</translation>
     </message>
     <message>
         <source>Alt+Up</source>
-        <translation>Alt+Up</translation>
+        <translation type="vanished">Alt+Up</translation>
     </message>
     <message>
         <source>Filter down</source>
-        <translation>Filter nach unten</translation>
+        <translation type="vanished">Filter nach unten</translation>
     </message>
     <message>
         <source>Alt+Down</source>
-        <translation>Alt+Down</translation>
+        <translation type="vanished">Alt+Down</translation>
     </message>
     <message>
         <source>Na&amp;me:</source>
-        <translation>Na&amp;me:</translation>
+        <translation type="vanished">Na&amp;me:</translation>
     </message>
     <message>
         <source>Ad&amp;vanced mode</source>
-        <translation>Er&amp;weiterter Modus</translation>
+        <translation type="vanished">Er&amp;weiterter Modus</translation>
     </message>
     <message>
         <source>&amp;Conditions:</source>
-        <translation>&amp;Bedingungen:</translation>
+        <translation type="vanished">&amp;Bedingungen:</translation>
     </message>
     <message>
         <source>&amp;Kind:</source>
-        <translation>&amp;Art:</translation>
+        <translation type="vanished">&amp;Art:</translation>
     </message>
     <message>
         <source>&amp;Add condition</source>
-        <translation>Bedingung &amp;hinzufügen</translation>
+        <translation type="vanished">Bedingung &amp;hinzufügen</translation>
     </message>
     <message>
         <source>Ins</source>
-        <translation>Ins</translation>
+        <translation type="vanished">Ins</translation>
     </message>
     <message>
         <source>Add nested &amp;stack</source>
-        <translation>Verschachtelten &amp;Stapel hinzufügen</translation>
+        <translation type="vanished">Verschachtelten &amp;Stapel hinzufügen</translation>
     </message>
     <message>
         <source>Ctrl+Ins</source>
-        <translation>Ctrl+Ins</translation>
+        <translation type="vanished">Ctrl+Ins</translation>
     </message>
     <message>
         <source>&amp;Remove</source>
-        <translation>&amp;Entfernen</translation>
+        <translation type="vanished">&amp;Entfernen</translation>
     </message>
     <message>
         <source>Move &amp;up</source>
-        <translation>Nach &amp;oben</translation>
+        <translation type="vanished">Nach &amp;oben</translation>
     </message>
     <message>
         <source>Ctrl+Up</source>
-        <translation>Ctrl+Up</translation>
+        <translation type="vanished">Ctrl+Up</translation>
     </message>
     <message>
         <source>Move &amp;down</source>
-        <translation>Nach &amp;unten</translation>
+        <translation type="vanished">Nach &amp;unten</translation>
     </message>
     <message>
         <source>Ctrl+Down</source>
-        <translation>Ctrl+Down</translation>
+        <translation type="vanished">Ctrl+Down</translation>
     </message>
     <message>
         <source>AND: every condition</source>
-        <translation>UND: jede Bedingung</translation>
+        <translation type="vanished">UND: jede Bedingung</translation>
     </message>
     <message>
         <source>OR: any condition</source>
-        <translation>ODER: irgendeine Bedingung</translation>
+        <translation type="vanished">ODER: irgendeine Bedingung</translation>
     </message>
     <message>
         <source>&amp;Join with:</source>
-        <translation>&amp;Verknüpfen mit:</translation>
+        <translation type="vanished">&amp;Verknüpfen mit:</translation>
     </message>
     <message>
         <source>Shows:</source>
-        <translation>Zeigt:</translation>
+        <translation type="vanished">Zeigt:</translation>
     </message>
     <message>
         <source>Ctrl+Return</source>
@@ -121,15 +121,15 @@
     </message>
     <message>
         <source>OR</source>
-        <translation>ODER</translation>
+        <translation type="vanished">ODER</translation>
     </message>
     <message>
         <source>AND</source>
-        <translation>UND</translation>
+        <translation type="vanished">UND</translation>
     </message>
     <message>
         <source>filter %1</source>
-        <translation>Filter %1</translation>
+        <translation type="vanished">Filter %1</translation>
     </message>
     <message>
         <source>a filter needs a name</source>
@@ -149,15 +149,19 @@
     </message>
     <message>
         <source>Kind</source>
-        <translation>Art</translation>
+        <translation type="vanished">Art</translation>
     </message>
     <message>
         <source>Condition</source>
-        <translation>Bedingung</translation>
+        <translation type="vanished">Bedingung</translation>
     </message>
     <message>
         <source>the filter &quot;%1&quot; nests stacks %2 levels deep, deeper than %3 levels</source>
         <translation>der Filter „%1“ verschachtelt Stapel %2 Ebenen tief, tiefer als %3 Ebenen</translation>
+    </message>
+    <message>
+        <source>Why the filters were not stored</source>
+        <translation>Warum die Filter nicht gespeichert wurden</translation>
     </message>
 </context>
 <context>
@@ -253,6 +257,10 @@
         <source>%1 of %2 entries shown</source>
         <translation>%1 von %2 Einträgen angezeigt</translation>
     </message>
+    <message>
+        <source>The settings directory can no longer be read, so the roster window closes: %1</source>
+        <translation>Das Einstellungsverzeichnis kann nicht mehr gelesen werden, daher schließt sich das Kontaktlistenfenster: %1</translation>
+    </message>
 </context>
 <context>
     <name>VeskSorterEditor</name>
@@ -262,71 +270,71 @@
     </message>
     <message>
         <source>&amp;Methods:</source>
-        <translation>&amp;Methoden:</translation>
+        <translation type="vanished">&amp;Methoden:</translation>
     </message>
     <message>
         <source>&amp;New method</source>
-        <translation>&amp;Neue Methode</translation>
+        <translation type="vanished">&amp;Neue Methode</translation>
     </message>
     <message>
         <source>Ctrl+N</source>
-        <translation>Ctrl+N</translation>
+        <translation type="vanished">Ctrl+N</translation>
     </message>
     <message>
         <source>Remove method</source>
-        <translation>Methode entfernen</translation>
+        <translation type="vanished">Methode entfernen</translation>
     </message>
     <message>
         <source>Ctrl+Del</source>
-        <translation>Ctrl+Del</translation>
+        <translation type="vanished">Ctrl+Del</translation>
     </message>
     <message>
         <source>Na&amp;me:</source>
-        <translation>Na&amp;me:</translation>
+        <translation type="vanished">Na&amp;me:</translation>
     </message>
     <message>
         <source>&amp;Default method (for filters without one)</source>
-        <translation>&amp;Standardmethode (für Filter ohne eigene)</translation>
+        <translation type="vanished">&amp;Standardmethode (für Filter ohne eigene)</translation>
     </message>
     <message>
         <source>Com&amp;parators:</source>
-        <translation>&amp;Vergleicher:</translation>
+        <translation type="vanished">&amp;Vergleicher:</translation>
     </message>
     <message>
         <source>The first comparator that tells two entries apart decides; a checked comparator sorts ascending (Space switches).</source>
-        <translation>Der erste Vergleicher, der zwei Einträge unterscheidet, entscheidet; ein angehakter Vergleicher sortiert aufsteigend (Leertaste schaltet um).</translation>
+        <translation type="vanished">Der erste Vergleicher, der zwei Einträge unterscheidet, entscheidet; ein angehakter Vergleicher sortiert aufsteigend (Leertaste schaltet um).</translation>
     </message>
     <message>
         <source>&amp;Comparator:</source>
-        <translation>Ver&amp;gleicher:</translation>
+        <translation type="vanished">Ver&amp;gleicher:</translation>
     </message>
     <message>
         <source>&amp;Add</source>
-        <translation>&amp;Hinzufügen</translation>
+        <translation type="vanished">&amp;Hinzufügen</translation>
     </message>
     <message>
         <source>Ins</source>
-        <translation>Ins</translation>
+        <translation type="vanished">Ins</translation>
     </message>
     <message>
         <source>&amp;Remove</source>
-        <translation>&amp;Entfernen</translation>
+        <translation type="vanished">&amp;Entfernen</translation>
     </message>
     <message>
         <source>Move &amp;up</source>
-        <translation>Nach &amp;oben</translation>
+        <translation type="vanished">Nach &amp;oben</translation>
     </message>
     <message>
         <source>Ctrl+Up</source>
-        <translation>Ctrl+Up</translation>
+        <translation type="vanished">Ctrl+Up</translation>
     </message>
     <message>
         <source>Move do&amp;wn</source>
-        <translation>Nach &amp;unten</translation>
+        <translation type="vanished">Nach &amp;unten</translation>
     </message>
     <message>
         <source>Ctrl+Down</source>
-        <translation>Ctrl+Down</translation>
+        <translation type="vanished">Ctrl+Down</translation>
     </message>
     <message>
         <source>Ctrl+Return</source>
@@ -334,15 +342,15 @@
     </message>
     <message>
         <source>%1, ascending</source>
-        <translation>%1, aufsteigend</translation>
+        <translation type="vanished">%1, aufsteigend</translation>
     </message>
     <message>
         <source>%1, descending</source>
-        <translation>%1, absteigend</translation>
+        <translation type="vanished">%1, absteigend</translation>
     </message>
     <message>
         <source>method %1</source>
-        <translation>Methode %1</translation>
+        <translation type="vanished">Methode %1</translation>
     </message>
     <message>
         <source>a sorting method needs a name</source>
@@ -351,6 +359,10 @@
     <message>
         <source>two methods are named &quot;%1&quot;; choose another name</source>
         <translation>zwei Methoden heißen „%1“; wählen Sie einen anderen Namen</translation>
+    </message>
+    <message>
+        <source>Why the sorting methods were not stored</source>
+        <translation>Warum die Sortiermethoden nicht gespeichert wurden</translation>
     </message>
 </context>
 <context>

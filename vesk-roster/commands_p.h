@@ -15,6 +15,9 @@ QString typedFilterName(const VeskLibrarySession &session, const QString &typed)
 QString typedMethodName(const VeskRosterSortersManager *sorters, const QString &typed);
 // A name as a person reads and types it back.
 QString shownName(const QString &name);
+// "name ↑, chats_count ↓", or the built-in order when the method has no
+// comparators.
+QString describeMethod(const VeskRosterSortersManager *sorters, const QString &name);
 // Refuses unless the command's change was stored, with what could not be.
 void require(bool stored, const QString &error);
 

@@ -1,12 +1,12 @@
 #include "veskfiltertree.h"
 #include "veskrostershown.h"
 
-#include <filtereditor.h>
+#include <filtersdialog.h>
 #include <librarysession.h>
 #include <mainwindow.h>
 #include <rosterfile.h>
 #include <rosterlibrary.h>
-#include <sortereditor.h>
+#include <sortingdialog.h>
 
 #include <QApplication>
 #include <QComboBox>

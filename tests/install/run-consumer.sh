@@ -34,6 +34,17 @@ if [ -n "$(find "$build" -name "libvesk_gui_roster_models$suffix.so" -print -qui
         exit 1
     }
 fi
+# The editor widgets' library, with its catalogue, where this tree builds it.
+widgets=0
+if [ -n "$(find "$build" -name "libvesk_gui_roster_widgets$suffix.so" -print -quit)" ]; then
+    widgets=1
+    for file in "$libdir/libvesk_gui_roster_widgets$suffix.so.0" \
+        "$libdir/pkgconfig/vesk_gui_roster_widgets$suffix.pc" \
+        "$prefix/include/vesk_gui_roster_widgets/veskfiltereditorwidget.h" \
+        "$prefix/share/vesk_gui_roster_filter/translations/vesk_gui_roster_widgets_de.qm"; do
+        [ -e "$file" ] || { echo "run-consumer: $file was not installed" >&2; exit 1; }
+    done
+fi
 soname=$(objdump -p "$libdir/libvesk_gui_roster_filter$suffix.so" | awk '$1 == "SONAME" { print $2 }')
 [ "$soname" = "libvesk_gui_roster_filter$suffix.so.0" ] || {
     echo "run-consumer: SONAME is \"$soname\"" >&2
@@ -61,3 +72,22 @@ export PKG_CONFIG_PATH=$libdir/pkgconfig
 ${CXX:-c++} -std=c++17 -fPIC $flags "$here/consumer/main.cpp" -o "$work/consumer-pkg-config" \
     $(pkg-config --cflags --libs "vesk_gui_roster_filter$suffix") -Wl,-rpath,"$libdir"
 check pkg-config "$work/consumer-pkg-config"
+
+# A client that embeds the filter editor and stores what it hands back
+# through the filters manager, in a settings directory of its own.
+if [ $widgets -eq 1 ]; then
+    cmake -S "$here/widgets-consumer" -B "$work/widgets" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+        -DQT_MAJOR_VERSION="$qt" -DCMAKE_CXX_FLAGS="$flags" >/dev/null
+    cmake --build "$work/widgets" >/dev/null
+    # The client's run path reaches the libraries it links, not what they
+    # link in turn: a prefix the loader does not search is named for it.
+    output=$(LD_LIBRARY_PATH=$libdir XDG_CONFIG_HOME=$work/config QT_QPA_PLATFORM=offscreen \
+        "$work/widgets/widgets-consumer" \
+        "$prefix/share/vesk_gui_roster_filter/translations/vesk_gui_roster_widgets_de.qm")
+    expected_widgets=$'(display Ann)\nEr&weiterter Modus'
+    if [ "$output" != "$expected_widgets" ] || [ ! -s "$work/config/vesk-host/roster_filters/ann" ]; then
+        printf 'run-consumer: the widgets client printed\n%s\ninstead of\n%s\n' "$output" "$expected_widgets" >&2
+        exit 1
+    fi
+    echo "run-consumer: the widgets client builds, stores and runs"
+fi
