@@ -70,5 +70,26 @@ if [ -n "$WHOLE" ] || [ -x "$BUILD/bench/vesk-bench-search" ]; then
     } >>"$HERE/RESULTS.md"
 fi
 
+# The live XMPP host against a local Prosody, a binary of its own; appended too.
+if [ -x "$BUILD/bench/vesk-bench-xmpp" ] && command -v prosody >/dev/null; then
+    XMPP=$("$BUILD/bench/vesk-bench-xmpp" --benchmark_display_aggregates_only=true 2>&1 |
+        grep -E '^(BM_|Benchmark|Load)')
+    echo "$XMPP"
+    {
+        echo
+        echo "## Live XMPP host (bench/bench_xmpp.cpp)"
+        echo
+        echo "Presence updates at 10,000 contacts through the mapping, the tree model and the proxy"
+        echo "with a stored filter and method (updates_per_s; target at least 20,000), against the"
+        echo "bare host update and row (ratio); log-in to a 5,000-item roster on a local Prosody"
+        echo "until all are shown (login_ms; target under 1 s); a ten-second flood of 1,000"
+        echo "presences a second (longest_stall_ms)."
+        echo
+        echo '```'
+        echo "$XMPP"
+        echo '```'
+    } >>"$HERE/RESULTS.md"
+fi
+
 echo
 echo "run-bench: wrote $HERE/RESULTS.md"

@@ -1,3 +1,4 @@
+#include "accountstatus.h"
 #include "filtersdialog.h"
 #include "mainwindow.h"
 #include "rosterlibrary.h"
@@ -139,6 +140,7 @@ void describe(QCommandLineParser &parser, const Options &options)
     parser.addOption(options.settings);
     parser.addOption(options.roster);
     parser.addOption(options.screenshots);
+    VeskAccountStatus::addOptions(parser);
 }
 
 void nameApplication()
@@ -175,10 +177,15 @@ int main(int argc, char *argv[])
     const QCommandLineOption &roster = options.roster;
     const QCommandLineOption &screenshots = options.screenshots;
     parser.process(app);
+    VeskAccountStatus::Options live;
 
     QByteArray document = VeskRosterFile::sampleRoster();
     QString error;
-    if (parser.isSet(roster)) {
+    if (VeskAccountStatus::readOptions(parser, &live, &error) && !live.jids.isEmpty()) {
+        // The accounts' roster, filled once the window is up, is the only one.
+        if (parser.isSet(roster))
+            error = QCoreApplication::translate("main", "--roster and --xmpp exclude each other");
+    } else if (parser.isSet(roster)) {
         QFile file(parser.value(roster));
         const bool opened = parser.value(roster) == QLatin1String("-")
             ? file.open(stdin, QIODevice::ReadOnly)
@@ -189,7 +196,7 @@ int main(int argc, char *argv[])
         }
         document = file.readAll();
     }
-    if (error.isEmpty() && !VeskRosterFile::load(document, &error))
+    if (error.isEmpty() && live.jids.isEmpty() && !VeskRosterFile::load(document, &error))
         error = QCoreApplication::translate("main", "the roster: %1").arg(error);
     // The same place as vesk-roster's, so that both work on one profile.
     const QString settingsDir = parser.isSet(settings)
@@ -203,6 +210,20 @@ int main(int argc, char *argv[])
         return 2;
     }
     VeskRosterWindow window(&library);
+    if (!live.jids.isEmpty()) {
+        auto *accounts = new VeskAccountStatus(&window, live);
+        if (!accounts->start(&error)) {
+            QMessageBox::critical(nullptr, QCoreApplication::translate("main", "Roster"), error);
+            return 2;
+        }
+        if (parser.isSet(screenshots)) {
+            QDir().mkpath(parser.value(screenshots));
+            return accounts->screenshot(
+                       parser.value(screenshots) + QLatin1String("/live-roster.png"))
+                ? 0
+                : 1;
+        }
+    }
     if (parser.isSet(screenshots))
         return takeScreenshots(window, parser.value(screenshots));
     window.show();

@@ -2,6 +2,7 @@
 
 #include <veskaccount.h>
 #include <veskrosterproxymodel.h>
+#include <veskstandin.h>
 
 #include <QHash>
 
@@ -30,10 +31,18 @@ VeskRosterTreeModel::VeskRosterTreeModel(QObject *parent)
 void VeskRosterTreeModel::setRoster(const QList<VeskBuddy> &entries)
 {
     beginResetModel();
+    rebuild(entries);
+    endResetModel();
+}
+
+void VeskRosterTreeModel::rebuild(const QList<VeskBuddy> &entries)
+{
     nodes.clear();
     topLevel.clear();
     memberEntries.clear();
     memberNodes.clear();
+    entryNodes.clear();
+    groupNodes.clear();
     // Groups are matched by name, the first of a name standing for all of
     // them, as a contact names its group.
     QHash<QString, int> groups;
@@ -56,7 +65,9 @@ void VeskRosterTreeModel::setRoster(const QList<VeskBuddy> &entries)
         siblings.append(nodes.size());
         nodes.append(Node { entry, parent, int(siblings.size() - 1), {} });
     }
-    endResetModel();
+    for (int node = 0; node < nodes.size(); ++node)
+        entryNodes.insert(VeskStandIn::entryKey(nodes.at(node).buddy), node);
+    groupNodes = groups;
 }
 
 void VeskRosterTreeModel::memberChanged(int member)

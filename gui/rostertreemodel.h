@@ -3,6 +3,7 @@
 #include <veskbuddy.h>
 
 #include <QAbstractItemModel>
+#include <QHash>
 #include <QVector>
 
 // The client's own roster model: one row per group name with its members
@@ -30,6 +31,16 @@ public:
     const QVector<VeskBuddy> &members() const { return memberEntries; }
     // Tells the views that members().at(member) changed (its presence, its chats).
     void memberChanged(int member);
+    // A live roster's changes, entry by entry (rostertreemodel_live.cpp): a
+    // group, contact or temporary contact added to the stand-in roster, about
+    // to leave it, or changed in place.
+    void insertEntry(const VeskBuddy &entry);
+    void removeEntry(const VeskBuddy &entry);
+    void entryChanged(const VeskBuddy &entry);
+    // Many entries at once (a whole roster arrived): the rows go on the
+    // first call, and the second reads VeskStandIn::entries() anew.
+    void beginEntriesReset();
+    void endEntriesReset();
 
     QModelIndex index(
         int row, int column, const QModelIndex &parent = QModelIndex()) const override;
@@ -47,6 +58,7 @@ private:
         int row = 0;
         QVector<int> children;
     };
+    void rebuild(const QList<VeskBuddy> &entries);
     QModelIndex indexOf(int node, int column) const;
     QVariant text(const Node &node, int column) const;
 
@@ -54,4 +66,8 @@ private:
     QVector<int> topLevel;
     QVector<VeskBuddy> memberEntries;
     QVector<int> memberNodes; // the node of each member
+    // Of a live roster: the node of each entry by its stand-in key, and of
+    // each group by its name. Removed nodes stay, unreachable.
+    QHash<quintptr, int> entryNodes;
+    QHash<QString, int> groupNodes;
 };

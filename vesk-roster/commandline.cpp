@@ -51,6 +51,7 @@ VeskCommandLine VeskCommandLine::parse(const QStringList &arguments)
             if (value.isEmpty())
                 refuse(vtr("--roster needs a file, not an empty text"));
             line.rosterFile = value;
+        } else if (line.xmpp.take(arguments, &i)) {
         } else if (arg == QLatin1String("--json")) {
             line.json = true;
         } else if (arg == QLatin1String("--help") || arg == QLatin1String("-h")) {
@@ -58,11 +59,16 @@ VeskCommandLine VeskCommandLine::parse(const QStringList &arguments)
         } else if (arg == QLatin1String("--version")) {
             line.version = true;
         } else {
-            refuse(vtr("unknown option \"%1\"; options: --settings DIR, --roster FILE, --json, "
-                       "--help, --version")
-                       .arg(arg));
+            refuse(vtr("unknown option \"%1\"; options: --settings DIR, --roster FILE, %2, "
+                       "--json, --help, --version")
+                       .arg(arg, VeskXmppOptions::names()));
         }
     }
+    if (line.xmpp.isSet() && !line.rosterFile.isEmpty())
+        refuse(vtr("--roster and --xmpp exclude each other: one roster is shown"));
+    if (!line.xmpp.isSet()
+        && (!line.xmpp.server.isEmpty() || !line.xmpp.caFile.isEmpty() || line.xmpp.insecure))
+        refuse(vtr("--xmpp-server, --xmpp-ca and --xmpp-insecure go with --xmpp JID"));
     // A bare invocation shows the roster, so that the program shows something
     // useful on a fresh machine.
     line.hasCommand = i < arguments.size();

@@ -3,8 +3,10 @@
 #include <QString>
 #include <QStringList>
 
+#include "xmppoptions.h"
+
 // The global options and the command with its arguments:
-// vesk-roster [--settings DIR] [--roster FILE|-] [--json] COMMAND [ARGS...]
+// vesk-roster [--settings DIR] [--roster FILE|- | --xmpp JID...] [--json] COMMAND [ARGS...]
 class VeskCommandLine
 {
 public:
@@ -17,6 +19,7 @@ public:
 
     QString settingsDir; // empty: the default
     QString rosterFile; // empty: the bundled sample roster
+    VeskXmppOptions xmpp; // accounts to show instead of a roster file
     bool json = false;
     bool help = false;
     bool version = false;

@@ -7,6 +7,9 @@
 #include "refusal.h"
 #include "rosterfile.h"
 #include "sessiontext_p.h"
+#include "xmppoptions.h"
+
+#include <veskxmpphost.h>
 
 #include <veskstandin.h>
 
@@ -132,7 +135,13 @@ int VeskRosterProgram::run(const QStringList &arguments)
             = line.settingsDir.isEmpty() ? VeskCommandLine::defaultSettingsDir() : line.settingsDir;
         // The roster is loaded before the lock is taken: other runs wait only
         // while this one works on the settings.
-        loadRoster(line.rosterFile);
+        // A live roster stays connected until the command has run; its host
+        // goes after the stand-in's reset without touching the entries.
+        std::unique_ptr<VeskXmppHost> live;
+        if (line.xmpp.isSet())
+            live = veskLoadLiveRoster(line.xmpp);
+        else
+            loadRoster(line.rosterFile);
         if (command->settings == VeskCommand::OwnSessions) {
             context.settingsDir = settingsDir;
             try {

@@ -107,6 +107,67 @@ void setAttribute(const VeskBuddy &buddy, const QString &name, const VeskArg &va
         const_cast<VeskRosterEntry *>(entry)->attributes.insert(name, value);
 }
 
+namespace {
+    VeskRosterEntry *mutableEntry(const VeskBuddy &buddy)
+    {
+        return const_cast<VeskRosterEntry *>(VeskStandInAccess::entryOf(buddy));
+    }
+} // namespace
+
+void setDisplay(const VeskBuddy &buddy, const QString &display)
+{
+    VeskRosterEntry *entry = mutableEntry(buddy);
+    if (!entry)
+        return;
+    if (entry->type == VeskBuddy::TypeGroup) {
+        QStringList &names = VeskRosterStore::self().groupNames;
+        const int at = names.indexOf(entry->display);
+        if (at >= 0)
+            names[at] = display;
+    }
+    entry->display = display;
+}
+
+void setGroup(const VeskBuddy &buddy, const VeskBuddy &group)
+{
+    VeskRosterEntry *entry = mutableEntry(buddy);
+    if (entry && (entry->type == VeskBuddy::TypeContact || entry->type == VeskBuddy::TypeTemporary))
+        entry->group = VeskStandInAccess::entryOf(group);
+}
+
+void setSubscription(const VeskBuddy &buddy, int priority)
+{
+    VeskRosterEntry *entry = mutableEntry(buddy);
+    if (entry && entry->type == VeskBuddy::TypeContact)
+        entry->subscription = makeSubscription(priority);
+}
+
+void removeEntry(const VeskBuddy &buddy)
+{
+    const VeskRosterEntry *entry = VeskStandInAccess::entryOf(buddy);
+    if (!entry)
+        return;
+    VeskRosterStore &store = VeskRosterStore::self();
+    // Live rosters remove what they added last more often than not.
+    for (auto it = store.entries.end(); it != store.entries.begin();) {
+        --it;
+        if (it->get() != entry)
+            continue;
+        if (entry->type == VeskBuddy::TypeGroup) {
+            const int at = store.groupNames.lastIndexOf(entry->display);
+            if (at >= 0)
+                store.groupNames.removeAt(at);
+        }
+        store.entries.erase(it);
+        return;
+    }
+}
+
+quintptr entryKey(const VeskBuddy &buddy)
+{
+    return quintptr(VeskStandInAccess::entryOf(buddy));
+}
+
 QList<VeskBuddy> entries()
 {
     QList<VeskBuddy> result;

@@ -77,6 +77,18 @@ VESK_STANDIN_EXPORT VeskBuddy addEntry(int typeCode, const QString &display);
 VESK_STANDIN_EXPORT void setPresence(const VeskBuddy &buddy, const VeskPresence &presence);
 VESK_STANDIN_EXPORT void setAttribute(
     const VeskBuddy &buddy, const QString &name, const VeskArg &value);
+// What a live roster does besides: renames an entry (a contact, a temporary
+// contact or a group), moves a contact to another group (a default handle:
+// none), changes its subscription, and removes an entry. Removing a group
+// drops its name from VeskRoster::getGroupsNames(); its contacts must have
+// left it before. A removed entry's handles become invalid.
+VESK_STANDIN_EXPORT void setDisplay(const VeskBuddy &buddy, const QString &display);
+VESK_STANDIN_EXPORT void setGroup(const VeskBuddy &buddy, const VeskBuddy &group);
+VESK_STANDIN_EXPORT void setSubscription(const VeskBuddy &buddy, int priority);
+VESK_STANDIN_EXPORT void removeEntry(const VeskBuddy &buddy);
+// The same number for all handles of one entry while it exists, 0 for none:
+// a key for tables that follow entries.
+VESK_STANDIN_EXPORT quintptr entryKey(const VeskBuddy &buddy);
 // Every entry added since the last reset, in the order of addition.
 VESK_STANDIN_EXPORT QList<VeskBuddy> entries();
 // Forgets entries, groups, accounts and protocols; earlier handles and

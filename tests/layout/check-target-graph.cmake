@@ -11,6 +11,7 @@ set(library vesk_gui_roster_filter)
 set(models vesk_gui_roster_models)
 set(session vesk_roster_session)
 set(widgets vesk_gui_roster_widgets)
+set(xmpp vesk_xmpp)
 # What each part below the programs may link of ours; Qt and the system are
 # free to all.
 set(allowed_${host} "")
@@ -18,7 +19,9 @@ set(allowed_${standin} ${host})
 set(allowed_${library} ${host})
 set(allowed_${models} ${library} ${host})
 set(allowed_${session} ${library} ${host} ${standin})
-set(lower ${host} ${standin} ${library} ${models} ${session} ${widgets})
+# The live host fills the stand-in's roster.
+set(allowed_${xmpp} ${standin} ${host})
+set(lower ${host} ${standin} ${library} ${models} ${session} ${widgets} ${xmpp})
 
 file(REMOVE_RECURSE "${WORK_DIR}")
 file(MAKE_DIRECTORY "${WORK_DIR}")
