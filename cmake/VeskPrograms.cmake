@@ -1,5 +1,5 @@
 # The programs as a desktop installs them (component Programs): both under
-# bin/, the stand-in library they load in a private directory of their own,
+# bin/, the stand-in and live XMPP libraries they load in a private directory,
 # the launcher, the AppStream metainfo, the icon, the manual pages made from
 # the programs' own help, and the shell completion.
 set(VESK_PRIVATE_LIBDIR ${CMAKE_INSTALL_LIBDIR}/vesk-roster)
@@ -12,8 +12,11 @@ set_target_properties(vesk-roster vesk-roster-gui PROPERTIES
     INSTALL_RPATH "\$ORIGIN/${vesk_bin_to_libdir}/vesk-roster;\$ORIGIN/${vesk_bin_to_libdir}")
 install(TARGETS vesk-roster vesk-roster-gui RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     COMPONENT Programs)
-install(TARGETS vesk_standin LIBRARY DESTINATION ${VESK_PRIVATE_LIBDIR} COMPONENT Programs
-    NAMELINK_SKIP)
+# The live XMPP host goes beside it: the programs' business too. It finds the
+# stand-in beside itself and the host library one directory up.
+set_target_properties(vesk_xmpp PROPERTIES INSTALL_RPATH "\$ORIGIN;\$ORIGIN/..")
+install(TARGETS vesk_standin vesk_xmpp LIBRARY DESTINATION ${VESK_PRIVATE_LIBDIR}
+    COMPONENT Programs NAMELINK_SKIP)
 
 set(vesk_app_id org.vesk.VeskRosterGui)
 set(vesk_desktop_dir ${PROJECT_SOURCE_DIR}/gui/desktop)

@@ -31,7 +31,8 @@ expect() { # package file list, pattern...
     done
 }
 expect "$programs.files" usr/bin/vesk-roster usr/bin/vesk-roster-gui \
-    'usr/lib/.*vesk-roster/libvesk_standin.*\.so' usr/share/man/man1/vesk-roster.1.gz \
+    'usr/lib/.*vesk-roster/libvesk_standin.*\.so' 'usr/lib/.*vesk-roster/libvesk_xmpp.*\.so' \
+    usr/share/man/man1/vesk-roster.1.gz \
     usr/share/man/man1/vesk-roster-gui.1.gz usr/share/bash-completion/completions/vesk-roster \
     usr/share/applications/org.vesk.VeskRosterGui.desktop \
     usr/share/metainfo/org.vesk.VeskRosterGui.metainfo.xml \
@@ -58,6 +59,9 @@ for package in "$runtime" "$programs"; do
             fail "$(basename "$package") does not depend on $needed: $(depends "$package")"
     done
 done
+# The live host's XMPP library, found in the programs' private library.
+grep -qE "(^|, )libstrophe0( |,|$)" <<<"$(depends "$programs")" ||
+    fail "the programs' package does not depend on libstrophe0: $(depends "$programs")"
 grep -qE "(^|, )$qtgui( |,|$)" <<<"$(depends "$programs")" ||
     fail "the programs' package does not depend on $qtgui: $(depends "$programs")"
 grep -qF "$library-0 (= $version" <<<"$(depends "$programs")" ||
