@@ -2,6 +2,89 @@
 <!DOCTYPE TS>
 <TS version="2.1">
 <context>
+    <name>VeskAccountStatus</name>
+    <message>
+        <source>Show the roster of this XMPP account (repeatable); the password comes from VESK_XMPP_PASSWORD or a dialog.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JID</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server to connect to, instead of the one the JID&apos;s domain names.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>HOST:PORT</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Trust the server certificates this CA signed, besides the system&apos;s.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>FILE</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No TLS: only for a server on the loopback address.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>--xmpp-server, --xmpp-ca and --xmpp-insecure go with --xmpp JID</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>--xmpp-server needs HOST:PORT, not &quot;%1&quot;</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>cannot read the CA certificate &quot;%1&quot;</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Log in</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Password for %1:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>no password for %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>disconnected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>connecting...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>connected, without TLS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>connected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>offline (%1); trying again shortly</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>failed: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>VeskFilterEditor</name>
     <message>
         <source>Filters</source>
@@ -137,6 +220,33 @@
         <source>The settings directory can no longer be read, so the roster window closes: %1</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>%1 of %2 entries shown, searching for %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>VeskSearchBar</name>
+    <message>
+        <source>Search e&amp;very entry</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Searc&amp;h:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Name, account, group or status (Ctrl+F)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quick search</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Look for the text in every entry, not only in those the current filter shows</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>VeskSorterEditor</name>
@@ -207,6 +317,10 @@ Exit status:
   0  the window was closed
   1  the command line was wrong
   2  the roster or the settings could not be read (a message says why)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>--roster and --xmpp exclude each other</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

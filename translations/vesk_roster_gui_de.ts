@@ -2,6 +2,89 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>VeskAccountStatus</name>
+    <message>
+        <source>Show the roster of this XMPP account (repeatable); the password comes from VESK_XMPP_PASSWORD or a dialog.</source>
+        <translation>Die Kontaktliste dieses XMPP-Kontos zeigen (wiederholbar); das Passwort kommt aus VESK_XMPP_PASSWORD oder aus einem Dialog.</translation>
+    </message>
+    <message>
+        <source>JID</source>
+        <translation>JID</translation>
+    </message>
+    <message>
+        <source>The server to connect to, instead of the one the JID&apos;s domain names.</source>
+        <translation>Der Server, mit dem verbunden wird, statt des von der Domain der JID genannten.</translation>
+    </message>
+    <message>
+        <source>HOST:PORT</source>
+        <translation>HOST:PORT</translation>
+    </message>
+    <message>
+        <source>Trust the server certificates this CA signed, besides the system&apos;s.</source>
+        <translation>Den Serverzertifikaten vertrauen, die diese Zertifizierungsstelle signiert hat, neben denen des Systems.</translation>
+    </message>
+    <message>
+        <source>FILE</source>
+        <translation>DATEI</translation>
+    </message>
+    <message>
+        <source>No TLS: only for a server on the loopback address.</source>
+        <translation>Kein TLS: nur für einen Server auf der Loopback-Adresse.</translation>
+    </message>
+    <message>
+        <source>--xmpp-server, --xmpp-ca and --xmpp-insecure go with --xmpp JID</source>
+        <translation>--xmpp-server, --xmpp-ca und --xmpp-insecure gehören zu --xmpp JID</translation>
+    </message>
+    <message>
+        <source>--xmpp-server needs HOST:PORT, not &quot;%1&quot;</source>
+        <translation>--xmpp-server braucht HOST:PORT, nicht &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>cannot read the CA certificate &quot;%1&quot;</source>
+        <translation>das CA-Zertifikat &quot;%1&quot; kann nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>Log in</source>
+        <translation>Anmelden</translation>
+    </message>
+    <message>
+        <source>Password for %1:</source>
+        <translation>Passwort für %1:</translation>
+    </message>
+    <message>
+        <source>no password for %1</source>
+        <translation>kein Passwort für %1</translation>
+    </message>
+    <message>
+        <source>disconnected</source>
+        <translation>getrennt</translation>
+    </message>
+    <message>
+        <source>connecting...</source>
+        <translation>verbinde...</translation>
+    </message>
+    <message>
+        <source>connected, without TLS</source>
+        <translation>verbunden, ohne TLS</translation>
+    </message>
+    <message>
+        <source>connected</source>
+        <translation>verbunden</translation>
+    </message>
+    <message>
+        <source>offline (%1); trying again shortly</source>
+        <translation>offline (%1); neuer Versuch in Kürze</translation>
+    </message>
+    <message>
+        <source>failed: %1</source>
+        <translation>fehlgeschlagen: %1</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
     <name>VeskFilterEditor</name>
     <message>
         <source>Filters</source>
@@ -261,6 +344,33 @@
         <source>The settings directory can no longer be read, so the roster window closes: %1</source>
         <translation>Das Einstellungsverzeichnis kann nicht mehr gelesen werden, daher schließt sich das Kontaktlistenfenster: %1</translation>
     </message>
+    <message>
+        <source>%1 of %2 entries shown, searching for %3</source>
+        <translation>%1 von %2 Einträgen angezeigt, Suche nach %3</translation>
+    </message>
+</context>
+<context>
+    <name>VeskSearchBar</name>
+    <message>
+        <source>Search e&amp;very entry</source>
+        <translation>In &amp;jedem Eintrag suchen</translation>
+    </message>
+    <message>
+        <source>Searc&amp;h:</source>
+        <translation>S&amp;uche:</translation>
+    </message>
+    <message>
+        <source>Name, account, group or status (Ctrl+F)</source>
+        <translation>Name, Konto, Gruppe oder Status (Strg+F)</translation>
+    </message>
+    <message>
+        <source>Quick search</source>
+        <translation>Schnellsuche</translation>
+    </message>
+    <message>
+        <source>Look for the text in every entry, not only in those the current filter shows</source>
+        <translation>Den Text in allen Einträgen suchen, nicht nur in denen, die der aktuelle Filter zeigt</translation>
+    </message>
 </context>
 <context>
     <name>VeskSorterEditor</name>
@@ -430,6 +540,10 @@ Rückgabewert:
   0  das Fenster wurde geschlossen
   1  die Befehlszeile war falsch
   2  die Kontaktliste oder die Einstellungen ließen sich nicht lesen (eine Meldung sagt, warum)</translation>
+    </message>
+    <message>
+        <source>--roster and --xmpp exclude each other</source>
+        <translation>--roster und --xmpp schließen einander aus</translation>
     </message>
 </context>
 </TS>
