@@ -4,10 +4,8 @@
 #include "refusal.h"
 #include "sessiontext_p.h"
 
-namespace {
-
-// "--name VALUE" or "--name=VALUE".
-bool takeValue(const QStringList &arguments, int *i, const QString &name, QString *value)
+bool VeskCommandLine::takeValue(
+    const QStringList &arguments, int *i, const QString &name, QString *value)
 {
     const QString &arg = arguments.at(*i);
     if (arg == name) {
@@ -22,8 +20,6 @@ bool takeValue(const QStringList &arguments, int *i, const QString &name, QStrin
     }
     return false;
 }
-
-} // namespace
 
 QString VeskCommandLine::defaultSettingsDir()
 {
@@ -43,11 +39,11 @@ VeskCommandLine VeskCommandLine::parse(const QStringList &arguments)
         if (!arg.startsWith(QLatin1Char('-')) || arg == QLatin1String("-"))
             break;
         QString value;
-        if (takeValue(arguments, &i, QStringLiteral("--settings"), &value)) {
+        if (VeskCommandLine::takeValue(arguments, &i, QStringLiteral("--settings"), &value)) {
             if (value.isEmpty())
                 refuse(vtr("--settings needs a directory, not an empty text"));
             line.settingsDir = value;
-        } else if (takeValue(arguments, &i, QStringLiteral("--roster"), &value)) {
+        } else if (VeskCommandLine::takeValue(arguments, &i, QStringLiteral("--roster"), &value)) {
             if (value.isEmpty())
                 refuse(vtr("--roster needs a file, not an empty text"));
             line.rosterFile = value;

@@ -16,6 +16,11 @@ public:
     // $XDG_CONFIG_HOME/vesk-roster or ~/.config/vesk-roster; refuses when
     // neither can be known.
     static QString defaultSettingsDir();
+    // At arguments[*i]: "NAME VALUE" (advancing *i) or "NAME=VALUE" gives
+    // true with *value; another argument, false. A NAME without its value
+    // is refused.
+    static bool takeValue(
+        const QStringList &arguments, int *i, const QString &name, QString *value);
 
     QString settingsDir; // empty: the default
     QString rosterFile; // empty: the bundled sample roster

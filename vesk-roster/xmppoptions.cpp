@@ -1,5 +1,6 @@
 #include "xmppoptions.h"
 
+#include "commandline.h"
 #include "refusal.h"
 #include "sessiontext_p.h"
 
@@ -21,22 +22,6 @@ namespace {
 const int quietMs = 500;
 const int burstLimitMs = 10000;
 const int connectLimitMs = 10000;
-
-bool takeValue(const QStringList &arguments, int *i, const QString &name, QString *value)
-{
-    const QString &arg = arguments.at(*i);
-    if (arg == name) {
-        if (*i + 1 >= arguments.size())
-            refuse(vtr("missing argument: %1 needs a value").arg(name));
-        *value = arguments.at(++*i);
-        return true;
-    }
-    if (arg.startsWith(name + QLatin1Char('='))) {
-        *value = arg.mid(name.size() + 1);
-        return true;
-    }
-    return false;
-}
 
 // Read from the terminal itself with the echo off, so that the password
 // shows nowhere; restored whatever happens.
@@ -73,11 +58,11 @@ QString VeskXmppOptions::names()
 bool VeskXmppOptions::take(const QStringList &arguments, int *i)
 {
     QString value;
-    if (takeValue(arguments, i, QStringLiteral("--xmpp"), &value)) {
+    if (VeskCommandLine::takeValue(arguments, i, QStringLiteral("--xmpp"), &value)) {
         jids.append(value);
-    } else if (takeValue(arguments, i, QStringLiteral("--xmpp-server"), &value)) {
+    } else if (VeskCommandLine::takeValue(arguments, i, QStringLiteral("--xmpp-server"), &value)) {
         server = value;
-    } else if (takeValue(arguments, i, QStringLiteral("--xmpp-ca"), &value)) {
+    } else if (VeskCommandLine::takeValue(arguments, i, QStringLiteral("--xmpp-ca"), &value)) {
         caFile = value;
     } else if (arguments.at(*i) == QLatin1String("--xmpp-insecure")) {
         insecure = true;

@@ -3,6 +3,7 @@
 // while searching, and where the highlight falls.
 
 #include "veskfiltertree.h"
+#include "veskkeys.h"
 #include "veskrostershown.h"
 
 #include <librarysession.h>
@@ -25,17 +26,8 @@ using VeskRosterShown::shown;
 
 namespace {
 
-void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-{
-    QWidget *target = QApplication::focusWidget();
-    QVERIFY2(target, qPrintable(QString::number(key)));
-    QTest::keyClick(target, Qt::Key(key), modifiers);
-}
-
-void type(const QString &text)
-{
-    QTest::keyClicks(QApplication::focusWidget(), text);
-}
+using VeskKeys::key;
+using VeskKeys::type;
 
 } // namespace
 

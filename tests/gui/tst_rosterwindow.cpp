@@ -1,4 +1,5 @@
 #include "veskfiltertree.h"
+#include "veskkeys.h"
 #include "veskrostershown.h"
 
 #include <filtersdialog.h>
@@ -38,18 +39,8 @@ QMap<QString, QByteArray> files(const QString &dir)
     return result;
 }
 
-// Keys go where a person's would: to the widget that has the focus.
-void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-{
-    QWidget *target = QApplication::focusWidget();
-    QVERIFY2(target, qPrintable(QString::number(key)));
-    QTest::keyClick(target, Qt::Key(key), modifiers);
-}
-
-void type(const QString &text)
-{
-    QTest::keyClicks(QApplication::focusWidget(), text);
-}
+using VeskKeys::key;
+using VeskKeys::type;
 
 } // namespace
 

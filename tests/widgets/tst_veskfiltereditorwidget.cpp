@@ -3,6 +3,7 @@
 
 #include "veskfiltertestenv.h"
 #include "veskfiltertree.h"
+#include "veskkeys.h"
 
 #include <rosterfile.h>
 #include <veskfiltereditorwidget.h>
@@ -62,21 +63,12 @@ private:
     QString part = QStringLiteral("first");
 };
 
-// Keys go where a person's would: to the widget that has the focus, or to
-// the window while none has.
 void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
-    QWidget *target = QApplication::focusWidget();
-    if (!target)
-        target = QApplication::activeWindow();
-    QVERIFY2(target, qPrintable(QString::number(key)));
-    QTest::keyClick(target, Qt::Key(key), modifiers);
+    VeskKeys::keyOrWindow(key, modifiers);
 }
 
-void type(const QString &text)
-{
-    QTest::keyClicks(QApplication::focusWidget(), text);
-}
+using VeskKeys::type;
 
 // Alt+mnemonic focuses a labelled widget; typing picks the item in a combo box.
 void choose(int mnemonic, const QString &text)

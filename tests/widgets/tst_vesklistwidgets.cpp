@@ -3,6 +3,7 @@
 // editor widgets.
 
 #include "veskfiltertestenv.h"
+#include "veskkeys.h"
 
 #include <veskfiltereditorwidget.h>
 #include <veskfilterlistwidget.h>
@@ -20,17 +21,10 @@ namespace {
 
 void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
-    QWidget *target = QApplication::focusWidget();
-    if (!target)
-        target = QApplication::activeWindow();
-    QVERIFY2(target, qPrintable(QString::number(key)));
-    QTest::keyClick(target, Qt::Key(key), modifiers);
+    VeskKeys::keyOrWindow(key, modifiers);
 }
 
-void type(const QString &text)
-{
-    QTest::keyClicks(QApplication::focusWidget(), text);
-}
+using VeskKeys::type;
 
 bool showActive(QWidget *widget)
 {
