@@ -50,6 +50,7 @@ public:
 
 private:
     friend class VeskRosterPass;
+    friend class VeskRosterSearchIndex;
     QString searchText;
     QString folded;
     Scope where;
