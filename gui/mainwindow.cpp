@@ -116,7 +116,7 @@ VeskRosterWindow::VeskRosterWindow(VeskRosterLibrary *library, QWidget *parent)
     connect(search, &VeskSearchBar::searchChanged, this, [this] {
         // The proxy lays its rows out anew for a search; groups it shows
         // again open, as they were before it.
-        tree->expandAll();
+        expandGroups();
         countShown();
     });
     // Groups that a search shows again open, as they were before it.
@@ -219,9 +219,21 @@ QString VeskRosterWindow::statusText() const
 void VeskRosterWindow::refresh()
 {
     proxyModel->refresh();
-    tree->expandAll();
+    expandGroups();
     fillChoosers();
     countShown();
+}
+
+// Right after the proxy's layout change the tree has yet to lay itself out,
+// so opening a group only notes it. Not expandAll(): that notes every row,
+// members too, and the proxy would carry all of them through each keystroke.
+void VeskRosterWindow::expandGroups()
+{
+    for (int row = 0; row < proxyModel->rowCount(); ++row) {
+        const QModelIndex group = proxyModel->index(row, 0);
+        if (proxyModel->hasChildren(group))
+            tree->expand(group);
+    }
 }
 
 void VeskRosterWindow::fillChoosers()

@@ -53,6 +53,7 @@ private:
     void chooseSorter(int index);
     void scheduleCount();
     void countShown();
+    void expandGroups();
     void showError(const QString &error);
 
     VeskRosterLibrary *rosterLibrary;

@@ -33,6 +33,19 @@ VeskSearchBar::VeskSearchBar(VeskRosterProxyModel *proxy, QWidget *parent)
     layout->addWidget(edit, 1);
     layout->addWidget(everyEntry);
     connect(edit, &QLineEdit::textChanged, this, &VeskSearchBar::apply);
+    // The texts the search looks at are read while the user has yet to type,
+    // a slice per turn of the event loop so that the window stays responsive,
+    // and again once the roster's rows changed.
+    preparing.setInterval(0);
+    preparing.setSingleShot(true);
+    connect(&preparing, &QTimer::timeout, this, [this] {
+        if (!this->proxy->prepareQuickSearch(8))
+            preparing.start();
+    });
+    connect(proxy, &QAbstractItemModel::layoutChanged, this, [this] {
+        if (edit->hasFocus())
+            preparing.start();
+    });
     connect(everyEntry, &QCheckBox::toggled, this, [this](bool on) {
         this->proxy->setQuickSearchScope(
             on ? VeskRosterQuickSearch::EveryEntry : VeskRosterQuickSearch::CurrentFilter);
@@ -53,6 +66,8 @@ void VeskSearchBar::focusField()
 
 bool VeskSearchBar::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == edit && event->type() == QEvent::FocusIn)
+        preparing.start();
     if (watched == edit && event->type() == QEvent::KeyPress
         && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape && !edit->text().isEmpty()) {
         edit->clear();

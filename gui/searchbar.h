@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStyledItemDelegate>
+#include <QTimer>
 #include <QWidget>
 
 class QCheckBox;
@@ -19,6 +20,8 @@ public:
 
     QLineEdit *field() const { return edit; }
     QString text() const;
+    // Whether the texts the search looks at are still being read.
+    bool isPreparing() const { return preparing.isActive(); }
     // Puts the cursor in the field with its text selected (Ctrl+F).
     void focusField();
 
@@ -35,6 +38,7 @@ private:
     VeskRosterProxyModel *proxy;
     QLineEdit *edit;
     QCheckBox *everyEntry;
+    QTimer preparing;
 };
 
 // Paints the part of a member's name that the search matched on a highlight,

@@ -5,11 +5,10 @@
 #include <veskbuddy.h>
 #include <veskrosterquicksearch.h>
 
+#include <QAbstractProxyModel>
 #include <QMetaType>
-#include <QSortFilterProxyModel>
-#include <QVector>
 
-#include <unordered_map>
+#include <memory>
 
 class VeskRosterFiltersManager;
 class VeskRosterSortersManager;
@@ -27,19 +26,25 @@ Q_DECLARE_METATYPE(VeskBuddy)
 // at least one of its children is shown. Among siblings, containers come
 // first; within each kind, x comes before y exactly when the sorters
 // manager's lessThan(y, x) holds, and rows it does not tell apart keep the
-// source order.
+// source order. Rows below a member are not shown.
 //
 // The proxy asks the two managers' singletons. The library tells nobody
 // when its state changes, so the client calls refresh() after it edited a
 // filter's conditions or a sorting method, or deleted and re-created the
 // managers (before the event loop runs again), or uses setCurrentFilter()
 // and setCurrentSorter() below, which refresh themselves. A change of an
-// entry itself (a presence, a chats count) is the source's dataChanged() of
-// its row, covering column 0 with an empty role list or one that holds
-// buddyRole(); the proxy then re-places that row only, and shows or hides
-// its container when it was the first or the last of it to be shown. (The
-// proxy's filter and sort roles are buddyRole(); do not change them.)
-class VESK_ROSTER_MODELS_EXPORT VeskRosterProxyModel : public QSortFilterProxyModel
+// entry itself (a presence, a status text, a name) is the source's
+// dataChanged() of its row, covering column 0 with an empty role list or one
+// that holds buddyRole(); the proxy then re-places that row only, with one
+// move, insertion or removal (of the row, or of its container when it was
+// the first or the last of it to be shown). A change of the source's rows
+// (inserted, removed, moved, laid out anew) is answered as a layout change.
+//
+// The proxy keeps what it learnt of each row (the filter's answer, the
+// row's place, and once a search was typed, the texts the search looks at),
+// so that a search typed letter by letter asks neither the filter nor the
+// sorting method nor the host again.
+class VESK_ROSTER_MODELS_EXPORT VeskRosterProxyModel : public QAbstractProxyModel
 {
     Q_OBJECT
 public:
@@ -64,69 +69,37 @@ public:
     // The quick search (see VeskRosterQuickSearch): members are shown when
     // they pass the current filter and match the text, or, with the scope
     // EveryEntry, when they match it whatever the filter says. A text that
-    // grows asks again only the members shown so far; one that shrinks or is
-    // cleared only those the current filter passed; neither asks the filter
-    // again nor sorts again.
+    // grows asks again only the members shown so far; one that shrinks only
+    // those that did not match; a cleared one asks nobody. None asks the
+    // filter again or sorts again; each is one layout change.
     void setQuickSearch(const QString &text);
     QString quickSearch() const;
     void setQuickSearchScope(VeskRosterQuickSearch::Scope scope);
     VeskRosterQuickSearch::Scope quickSearchScope() const;
+    // Reads the texts the search looks at now rather than when the first
+    // letter is typed: a search field calls it when it takes the focus, for
+    // a slice of at most about `milliseconds` at a time (all at once when
+    // negative), until it answers true. The texts are kept until the
+    // source's rows change; a letter typed meanwhile reads the rest.
+    bool prepareQuickSearch(int milliseconds = -1);
 
     void setSourceModel(QAbstractItemModel *model) override;
+    QModelIndex mapToSource(const QModelIndex &proxyIndex) const override;
+    QModelIndex mapFromSource(const QModelIndex &sourceIndex) const override;
+    QModelIndex index(
+        int row, int column, const QModelIndex &parent = QModelIndex()) const override;
+    QModelIndex parent(const QModelIndex &child) const override;
+    QModelIndex sibling(int row, int column, const QModelIndex &index) const override;
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override;
+    bool hasChildren(const QModelIndex &parent = QModelIndex()) const override;
 
 public Q_SLOTS:
     // Picks up the managers anew and re-filters and re-sorts every row.
     void refresh();
 
-protected:
-    bool filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const override;
-    bool lessThan(const QModelIndex &left, const QModelIndex &right) const override;
-
 private:
-    // What refresh() learnt of one level of the source (the children of one
-    // parent), by source row: whether the row passes, and its place in the
-    // view's order. A row whose data changed is unknown again and asked
-    // about directly; a change of the source's structure forgets it all.
-    struct Level
-    {
-        QVector<char> passes; // Unknown, or 0/1: what the view shows
-        QVector<char> filterPasses; // the current filter's answer alone
-        QVector<int> rank; // -1 when unknown
-        QVector<VeskBuddy> entries; // by source row
-    };
-    struct Key
-    {
-        quintptr id;
-        int row;
-        int column;
-        bool operator==(const Key &other) const
-        {
-            return id == other.id && row == other.row && column == other.column;
-        }
-    };
-    struct KeyHash
-    {
-        std::size_t operator()(const Key &key) const
-        {
-            return std::hash<quintptr>()(key.id) ^ (std::size_t(key.row) * 0x9E3779B97F4A7C15ULL)
-                ^ std::size_t(key.column);
-        }
-    };
-    static Key keyOf(const QModelIndex &sourceParent);
-    Level *levelOf(const QModelIndex &sourceParent) const;
-    void learn(const QModelIndex &sourceParent);
-    QVector<int> viewOrder(const QVector<VeskBuddy> &entries) const;
-    void searchLevel(
-        Level &level, const VeskRosterQuickSearch &next, bool narrowing, bool widening) const;
-    void sourceChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight);
-    void forget();
-
-    mutable std::unordered_map<Key, Level, KeyHash> levels;
-    mutable Key lastKey { 0, -2, -2 };
-    mutable Level *lastLevel = nullptr;
-    QList<QMetaObject::Connection> sourceConnections;
-    VeskRosterFiltersManager *filters = nullptr;
-    VeskRosterSortersManager *sorters = nullptr;
-    int role = BuddyRole;
-    VeskRosterQuickSearch search;
+    class Private;
+    friend class Private;
+    std::unique_ptr<Private> state;
 };

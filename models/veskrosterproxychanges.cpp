@@ -1,0 +1,226 @@
+#include "veskrosterproxymodel_p.h"
+
+#include <algorithm>
+
+void VeskRosterProxyModel::Private::relayout(const std::function<void()> &change)
+{
+    Q_EMIT q->layoutAboutToBeChanged();
+    const QModelIndexList from = q->persistentIndexList();
+    QModelIndexList sources;
+    sources.reserve(from.size());
+    for (const QModelIndex &index : from)
+        sources.append(q->mapToSource(index));
+    change();
+    QModelIndexList to;
+    to.reserve(from.size());
+    for (const QModelIndex &source : qAsConst(sources))
+        to.append(q->mapFromSource(source));
+    q->changePersistentIndexList(from, to);
+    Q_EMIT q->layoutChanged();
+}
+
+// The source's rows change: the same, in two halves, with the source's rows
+// held in persistent indices of the source across its change.
+void VeskRosterProxyModel::Private::beginStructuralChange()
+{
+    if (structuralChanges++ > 0)
+        return;
+    Q_EMIT q->layoutAboutToBeChanged();
+    changingFrom = q->persistentIndexList();
+    changingSources.clear();
+    for (const QModelIndex &index : qAsConst(changingFrom))
+        changingSources.append(QPersistentModelIndex(q->mapToSource(index)));
+}
+
+void VeskRosterProxyModel::Private::endStructuralChange()
+{
+    if (structuralChanges == 0 || --structuralChanges > 0)
+        return;
+    learnAll(false);
+    QModelIndexList to;
+    to.reserve(changingFrom.size());
+    for (const QPersistentModelIndex &source : qAsConst(changingSources))
+        to.append(q->mapFromSource(source));
+    q->changePersistentIndexList(changingFrom, to);
+    changingFrom.clear();
+    changingSources.clear();
+    Q_EMIT q->layoutChanged();
+}
+
+void VeskRosterProxyModel::Private::sourceDataChanged(
+    const QModelIndex &topLeft, const QModelIndex &bottomRight, const QVector<int> &roles)
+{
+    if (!topLeft.isValid() || structuralChanges > 0)
+        return;
+    Level *level = levelFor(topLeft.parent());
+    if (!level)
+        return;
+    const int first = topLeft.row();
+    const int last = qMin(bottomRight.row(), int(level->entries.size()) - 1);
+    if (topLeft.column() == 0 && (roles.isEmpty() || roles.contains(role))) {
+        bool containers = false;
+        for (int row = first; row <= last; ++row)
+            containers = containers || !level->member.at(row);
+        if (containers || last - first >= VeskProxyDetail::rowsReplacedOneByOne) {
+            // A group's name or many entries: every level learnt again,
+            // the changed rows' texts read again with them.
+            for (int row = first; row <= last; ++row)
+                level->index.update(row, entryAt(*level, row));
+            relayout([this] { learnAll(true); });
+            level = levelFor(topLeft.parent());
+            if (!level)
+                return;
+        } else {
+            for (int row = first; row <= last; ++row)
+                replace(*level, row);
+        }
+    }
+    if (!level->visible)
+        return;
+    int low = -1;
+    int high = -1;
+    for (int row = first; row <= last; ++row) {
+        const int shown = level->proxyRow.at(row);
+        if (shown < 0)
+            continue;
+        low = low < 0 ? shown : qMin(low, shown);
+        high = qMax(high, shown);
+    }
+    if (low >= 0) {
+        Q_EMIT q->dataChanged(q->createIndex(low, topLeft.column(), level),
+            q->createIndex(high, bottomRight.column(), level), roles);
+    }
+}
+
+// One member changed: asked again, moved to its new place, and shown or
+// hidden with one signal (of the row, or of the container that it was the
+// first or the last shown member of).
+void VeskRosterProxyModel::Private::replace(Level &level, int row)
+{
+    const VeskBuddy entry = entryAt(level, row);
+    if (!isMember(entry)) {
+        // A member became something else: its kind decides its place.
+        relayout([this] { learnAll(false); });
+        return;
+    }
+    level.entries[row] = entry;
+    level.filterPasses[row] = filters->filter(entry);
+    level.index.update(row, entry);
+    level.matches[row] = search.isEmpty() ? 1
+        : level.indexed                   ? level.index.matches(search, row)
+                                          : search.matches(entry);
+
+    QVector<int> order = level.order;
+    const auto members = order.begin() + level.containers;
+    order.erase(std::remove(members, order.end(), row), order.end());
+    if (mayShow(level, row)) {
+        const auto at = std::lower_bound(order.begin() + level.containers, order.end(), row,
+            [&](int x, int y) { return before(level, x, y); });
+        order.insert(at, row);
+    }
+    const int oldRow = level.proxyRow.at(row);
+    const bool wasShown = oldRow >= 0;
+    const bool shows = memberShown(level, row);
+    auto update = [&level, &order, this] {
+        level.order = order;
+        place(level);
+    };
+    if (!wasShown && !shows) {
+        level.order = order;
+        return;
+    }
+    const QModelIndex parent = containerIndex(&level);
+    if (wasShown && !shows) {
+        if (level.shown.size() == 1 && level.parent) {
+            hideContainer(level, update);
+            return;
+        }
+        if (!level.visible) {
+            update();
+            return;
+        }
+        q->beginRemoveRows(parent, oldRow, oldRow);
+        update();
+        q->endRemoveRows();
+        return;
+    }
+    if (!wasShown && level.shown.isEmpty() && level.parent) {
+        showContainer(level, update);
+        return;
+    }
+    // Where it goes: after the others shown that come before it.
+    int newRow = 0;
+    for (const int other : qAsConst(order)) {
+        if (other == row)
+            break;
+        if (level.proxyRow.at(other) >= 0)
+            ++newRow;
+    }
+    if (!level.visible || (wasShown && newRow == oldRow)) {
+        update();
+    } else if (wasShown) {
+        q->beginMoveRows(parent, oldRow, oldRow, parent, newRow > oldRow ? newRow + 1 : newRow);
+        update();
+        q->endMoveRows();
+    } else {
+        q->beginInsertRows(parent, newRow, newRow);
+        update();
+        q->endInsertRows();
+    }
+}
+
+// `level` shows no row once `update` ran: its container goes, or the
+// container's container when it was the last one shown there too.
+void VeskRosterProxyModel::Private::hideContainer(Level &level, const std::function<void()> &update)
+{
+    Level &above = *level.parent;
+    auto all = [&] {
+        update();
+        place(above);
+        markVisible();
+    };
+    if (above.shown.size() == 1 && above.parent) {
+        hideContainer(above, all);
+        return;
+    }
+    const int row = above.proxyRow.at(level.rowInParent);
+    if (!above.visible) {
+        all();
+        return;
+    }
+    q->beginRemoveRows(containerIndex(&above), row, row);
+    all();
+    q->endRemoveRows();
+}
+
+// `level` shows its first row once `update` ran: its container comes, and
+// the container's container when it showed nothing either.
+void VeskRosterProxyModel::Private::showContainer(Level &level, const std::function<void()> &update)
+{
+    Level &above = *level.parent;
+    auto all = [&] {
+        update();
+        place(above);
+        markVisible();
+    };
+    if (above.shown.isEmpty() && above.parent) {
+        showContainer(above, all);
+        return;
+    }
+    if (!above.visible) {
+        all();
+        return;
+    }
+    // Where the container goes among the rows shown there now.
+    int row = 0;
+    for (int at = 0; at < above.containers; ++at) {
+        const int other = above.order.at(at);
+        if (other == level.rowInParent)
+            break;
+        if (above.proxyRow.at(other) >= 0)
+            ++row;
+    }
+    q->beginInsertRows(containerIndex(&above), row, row);
+    all();
+    q->endInsertRows();
+}
