@@ -113,11 +113,8 @@ void VeskRosterProxyModel::Private::replace(Level &level, int row)
     QVector<int> order = level.order;
     const auto members = order.begin() + level.containers;
     order.erase(std::remove(members, order.end(), row), order.end());
-    if (mayShow(level, row)) {
-        const auto at = std::lower_bound(order.begin() + level.containers, order.end(), row,
-            [&](int x, int y) { return before(level, x, y); });
-        order.insert(at, row);
-    }
+    if (mayShow(level, row))
+        order.insert(placeOf(level, order, row), row);
     const int oldRow = level.proxyRow.at(row);
     const bool wasShown = oldRow >= 0;
     const bool shows = memberShown(level, row);

@@ -151,14 +151,20 @@ QVector<int> VeskRosterProxyModel::Private::viewOrder(const QVector<VeskBuddy> &
     return order;
 }
 
-// Whether member row x comes before member row y in the view.
-bool VeskRosterProxyModel::Private::before(const Level &level, int x, int y) const
+// Where member row `row` goes among the members of `order` (which does not
+// hold it): after those the sorting method puts before it and after those it
+// does not tell apart that come first in the source. One comparison per step
+// of the search: ties are rare, and are walked back one by one.
+int VeskRosterProxyModel::Private::placeOf(
+    const Level &level, const QVector<int> &order, int row) const
 {
-    const VeskBuddy &a = level.entries.at(x);
-    const VeskBuddy &b = level.entries.at(y);
-    if (sorters->lessThan(b, a))
-        return true;
-    return !sorters->lessThan(a, b) && x < y;
+    const VeskBuddy &entry = level.entries.at(row);
+    const auto first = order.cbegin() + level.containers;
+    auto at = std::partition_point(first, order.cend(),
+        [&](int other) { return !sorters->lessThan(level.entries.at(other), entry); });
+    while (at != first && *(at - 1) > row && !sorters->lessThan(entry, level.entries.at(*(at - 1))))
+        --at;
+    return int(at - order.cbegin());
 }
 
 // Reads the level's entries into its index, all of them or, given a slice,

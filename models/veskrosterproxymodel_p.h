@@ -91,7 +91,7 @@ public:
     void learnAll(bool keepIndexes);
     Level *learn(Level *parent, const QModelIndex &sourceParent, int rowInParent);
     QVector<int> viewOrder(const QVector<VeskBuddy> &entries) const;
-    bool before(const Level &level, int x, int y) const;
+    int placeOf(const Level &level, const QVector<int> &order, int row) const;
     bool ensureIndexed(Level &level, const QElapsedTimer *slice = nullptr, int milliseconds = 0);
     void searchLevel(
         Level &level, const VeskRosterQuickSearch &next, bool narrowing, bool widening);

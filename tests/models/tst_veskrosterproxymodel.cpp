@@ -138,6 +138,7 @@ private Q_SLOTS:
     void matchesTheLibrary();
     void presenceChangeReplacesOneRow_data();
     void presenceChangeReplacesOneRow();
+    void changedRowKeepsItsPlaceAmongTies();
 };
 
 void tst_VeskRosterProxyModel::matchesTheLibrary_data()
@@ -253,6 +254,48 @@ void tst_VeskRosterProxyModel::presenceChangeReplacesOneRow()
                 QCOMPARE(others.at(i).data().toString(), otherNames.at(i));
         }
     }
+}
+
+// Entries the sorting method does not tell apart keep the source order, also
+// when one of them changed and was placed again.
+void tst_VeskRosterProxyModel::changedRowKeepsItsPlaceAmongTies()
+{
+    VeskFilterTestEnv env;
+    VeskAccountConnection *account
+        = VeskStandIn::addAccount(QStringLiteral("me@example.org"), QStringLiteral("jabber"));
+    const VeskBuddy group = VeskStandIn::addGroup(QStringLiteral("Friends"), 0);
+    const VeskPresence online
+        = VeskStandIn::makePresence(QStringLiteral("online"), QString(), QString(), 0, 50);
+    QList<quintptr> keys;
+    for (int i = 0; i < 3; ++i) {
+        VeskStandIn::ContactInfo info;
+        info.display = QStringLiteral("Sam");
+        info.group = group;
+        info.account = account;
+        info.presence = online;
+        keys.append(VeskStandIn::entryKey(VeskStandIn::addContact(info)));
+    }
+    const auto model = rosterModel();
+    VeskRosterProxyModel proxy;
+    proxy.setSourceModel(model.get());
+    const QModelIndex friends = proxy.index(0, 0);
+    auto order = [&] {
+        QList<quintptr> shownKeys;
+        for (int row = 0; row < proxy.rowCount(friends); ++row)
+            shownKeys.append(
+                VeskStandIn::entryKey(proxy.rosterEntry(proxy.index(row, 0, friends))));
+        return shownKeys;
+    };
+    QCOMPARE(order(), keys);
+    QStandardItem *first = model->item(0)->child(0);
+    const VeskBuddy sam = first->data(buddyRole).value<VeskBuddy>();
+    VeskStandIn::setPresence(
+        sam, VeskStandIn::makePresence(QStringLiteral("offline"), QString(), QString(), 5, 0));
+    Q_EMIT model->dataChanged(first->index(), first->index());
+    QCOMPARE(order(), (QList<quintptr> { keys.at(1), keys.at(2), keys.at(0) }));
+    VeskStandIn::setPresence(sam, online);
+    Q_EMIT model->dataChanged(first->index(), first->index());
+    QCOMPARE(order(), keys);
 }
 
 QTEST_GUILESS_MAIN(tst_VeskRosterProxyModel)
