@@ -83,6 +83,24 @@ void tst_TextMatchEquivalence::initTestCase()
     }
     while (names.size() < 1000)
         names << randomText(random, from, 6);
+    // Texts at every place of names longer than one block of eight places,
+    // and names too long for the short-name scan.
+    for (int i = 1; i <= 12; ++i) {
+        const QString &text = texts.at(texts.size() - i);
+        for (int before = 0; before < 18; ++before)
+            names << QString(before, QLatin1Char('a')) + text + QString(3, QLatin1Char('b'));
+        names << QString(300, QLatin1Char('a')) + text;
+    }
+    // A place where only the first and the last code units of the text
+    // match, just before the text itself.
+    int decoys = 0;
+    for (const QString &text : qAsConst(texts)) {
+        if (text.size() < 3 || text.size() > 7 || ++decoys > 40)
+            continue;
+        QString decoy = text;
+        decoy[1] = QChar(decoy.at(1).unicode() ^ 1);
+        names << decoy + text + QString(8, QLatin1Char('b'));
+    }
 
     VeskStandIn::resetRoster();
     for (const QString &name : qAsConst(names)) {
