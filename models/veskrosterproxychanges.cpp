@@ -110,51 +110,42 @@ void VeskRosterProxyModel::Private::replace(Level &level, int row)
         : level.indexed                   ? level.index.matches(search, row)
                                           : search.matches(entry);
 
-    QVector<int> order = level.order;
-    const auto members = order.begin() + level.containers;
-    order.erase(std::remove(members, order.end(), row), order.end());
+    // The order holds what the view may show; the rows shown change only
+    // between the begin and end signals below.
+    QVector<int> &order = level.order;
+    order.erase(std::remove(order.begin() + level.containers, order.end(), row), order.end());
     if (mayShow(level, row))
         order.insert(placeOf(level, order, row), row);
     const int oldRow = level.proxyRow.at(row);
     const bool wasShown = oldRow >= 0;
     const bool shows = memberShown(level, row);
-    auto update = [&level, &order, this] {
-        level.order = order;
-        place(level);
-    };
-    if (!wasShown && !shows) {
-        level.order = order;
+    if (!wasShown && !shows)
         return;
+    // Where it goes: after the others shown that come before it.
+    int newRow = -1;
+    if (shows) {
+        newRow = 0;
+        for (const int other : qAsConst(order)) {
+            if (other == row)
+                break;
+            if (level.proxyRow.at(other) >= 0)
+                ++newRow;
+        }
     }
+    auto update = [&level, row, oldRow, newRow] {
+        reshow(level, row, oldRow, newRow);
+    };
     const QModelIndex parent = containerIndex(&level);
-    if (wasShown && !shows) {
-        if (level.shown.size() == 1 && level.parent) {
-            hideContainer(level, update);
-            return;
-        }
-        if (!level.visible) {
-            update();
-            return;
-        }
+    if (!shows && level.shown.size() == 1 && level.parent) {
+        hideContainer(level, update);
+    } else if (!wasShown && level.shown.isEmpty() && level.parent) {
+        showContainer(level, update);
+    } else if (!level.visible || newRow == oldRow) {
+        update();
+    } else if (!shows) {
         q->beginRemoveRows(parent, oldRow, oldRow);
         update();
         q->endRemoveRows();
-        return;
-    }
-    if (!wasShown && level.shown.isEmpty() && level.parent) {
-        showContainer(level, update);
-        return;
-    }
-    // Where it goes: after the others shown that come before it.
-    int newRow = 0;
-    for (const int other : qAsConst(order)) {
-        if (other == row)
-            break;
-        if (level.proxyRow.at(other) >= 0)
-            ++newRow;
-    }
-    if (!level.visible || (wasShown && newRow == oldRow)) {
-        update();
     } else if (wasShown) {
         q->beginMoveRows(parent, oldRow, oldRow, parent, newRow > oldRow ? newRow + 1 : newRow);
         update();
@@ -164,6 +155,21 @@ void VeskRosterProxyModel::Private::replace(Level &level, int row)
         update();
         q->endInsertRows();
     }
+}
+
+// The rows shown of `level` once member `row` moved from proxy row `oldRow`
+// to `newRow` (-1: not shown): the rows between renumbered, the rest as they
+// were.
+void VeskRosterProxyModel::Private::reshow(Level &level, int row, int oldRow, int newRow)
+{
+    if (oldRow >= 0)
+        level.shown.removeAt(oldRow);
+    if (newRow >= 0)
+        level.shown.insert(newRow, row);
+    level.proxyRow[row] = -1;
+    const int from = oldRow < 0 ? newRow : newRow < 0 ? oldRow : qMin(oldRow, newRow);
+    for (int at = from; at < level.shown.size(); ++at)
+        level.proxyRow[level.shown.at(at)] = at;
 }
 
 // `level` shows no row once `update` ran: its container goes, or the

@@ -107,6 +107,7 @@ public:
     void sourceDataChanged(
         const QModelIndex &topLeft, const QModelIndex &bottomRight, const QVector<int> &roles);
     void replace(Level &level, int row);
+    static void reshow(Level &level, int row, int oldRow, int newRow);
     void hideContainer(Level &level, const std::function<void()> &update);
     void showContainer(Level &level, const std::function<void()> &update);
 };
