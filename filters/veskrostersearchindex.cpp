@@ -7,26 +7,15 @@
 #include <QHash>
 #include <QString>
 
-#include <cstring>
 #include <vector>
 
 namespace {
 
-// Whether `hay` holds `needle` (not empty): a scan for its first code unit,
-// then a comparison of the rest. Names and status texts are short, so this
-// beats the set-up of a general string search.
-bool holds(const char16_t *hay, int size, const char16_t *needle, int length)
+// Whether the folded text holds the folded needle: the text conditions'
+// scan, for texts that are slices of one buffer.
+bool holds(const char16_t *text, int size, const char16_t *needle, int length)
 {
-    if (length > size)
-        return false;
-    const char16_t first = needle[0];
-    const std::size_t rest = std::size_t(length - 1) * sizeof(char16_t);
-    const char16_t *const last = hay + (size - length);
-    for (const char16_t *at = hay; at <= last; ++at) {
-        if (*at == first && std::memcmp(at + 1, needle + 1, rest) == 0)
-            return true;
-    }
-    return false;
+    return VeskTextCondition::contains(text, size, needle, length);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 // blind to letter case and accents, and the search's own rule.
 
 #include <veskentrykind_p.h>
+#include <vesktextcondition_p.h>
 
 #include <QString>
 
@@ -44,7 +45,7 @@ public:
             return false;
         buffer.resize(0);
         appendFolded(text, &buffer);
-        return buffer.contains(needle, Qt::CaseSensitive);
+        return VeskTextCondition::contains(buffer, needle);
     }
 
 private:

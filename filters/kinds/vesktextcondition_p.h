@@ -7,6 +7,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringView>
 #include <QtAlgorithms>
 
 #if defined(__SSE2__)
@@ -37,16 +38,17 @@ enum Mode : int {
 // time, beats Qt's general search, whose calls and set-up cost more than the
 // whole scan. Long texts and long needles go to Qt's search, which bounds the
 // work where this scan would not.
-inline bool contains(const QString &subject, const QString &needle)
+inline bool contains(const char16_t *subjectUnits, qsizetype subjectSize,
+    const char16_t *needleUnits, qsizetype size)
 {
-    const qsizetype size = needle.size();
-    const qsizetype room = subject.size() - size;
+    const qsizetype room = subjectSize - size;
     if (room < 0)
         return false;
     if (size < 1 || size > 32 || room > 256)
-        return subject.contains(needle, Qt::CaseSensitive);
-    const ushort *text = reinterpret_cast<const ushort *>(subject.constData());
-    const ushort *wanted = reinterpret_cast<const ushort *>(needle.constData());
+        return QStringView(subjectUnits, subjectSize)
+            .contains(QStringView(needleUnits, size), Qt::CaseSensitive);
+    const ushort *text = reinterpret_cast<const ushort *>(subjectUnits);
+    const ushort *wanted = reinterpret_cast<const ushort *>(needleUnits);
     const ushort first = wanted[0];
     const ushort last = wanted[size - 1];
     const ushort *ends = text + (size - 1);
@@ -81,6 +83,12 @@ inline bool contains(const QString &subject, const QString &needle)
             return true;
     }
     return false;
+}
+
+inline bool contains(const QString &subject, const QString &needle)
+{
+    return contains(reinterpret_cast<const char16_t *>(subject.constData()), subject.size(),
+        reinterpret_cast<const char16_t *>(needle.constData()), needle.size());
 }
 
 inline bool matches(int mode, const QString &needle, const QString &subject)
