@@ -14,6 +14,7 @@
 VeskFilterPlan::VeskFilterPlan(const VeskRosterFiltersStack &stack)
 {
     entry = compile(&stack, Pass, Fail, true);
+    displayFirst = entry >= 0 && steps[std::size_t(entry)].test == Test::Display && !asksOthers;
 }
 
 // Emits the tests of `filter` so that they lead to onTrue when it passes and
@@ -82,6 +83,8 @@ int VeskFilterPlan::compile(const VeskRosterFilter *filter, int onTrue, int onFa
         step.value = leaf->presenceId;
         readsPresenceId = true;
     }
+    if (step.test == Test::Opaque)
+        asksOthers = true;
     steps.push_back(step);
     return int(steps.size()) - 1;
 }

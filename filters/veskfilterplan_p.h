@@ -39,6 +39,10 @@ public:
     }
     bool readsPresence() const { return readsPresenceId; }
     bool readsStatusText() const { return readsDescription; }
+    // Whether every entry's evaluation starts by reading its display name and
+    // runs no code of the host's own classes (so cannot change the stack
+    // while a call walks it): the name can then be read ahead of the entry.
+    bool readsDisplayFirst() const { return displayFirst; }
 
     // A leaf's condition changed: every stack above it prepares again.
     static void conditionChanged(const VeskRosterFilter *leaf);
@@ -80,6 +84,8 @@ private:
     int entry = Fail;
     bool readsPresenceId = false;
     bool readsDescription = false;
+    bool asksOthers = false;
+    bool displayFirst = false;
 };
 
 // Each test gives exactly the answer of the leaf it was made from: both ask

@@ -19,6 +19,27 @@ inline bool decide(Entry &entry, const VeskBuddy &buddy, const VeskRosterFilter 
     return passes && (!needle || VeskSearchFold::matches(entry, *needle));
 }
 
+// The display names of the next few entries, asked for before any of them is
+// looked at. Reading a name waits on memory twice (the entry, then the text);
+// names asked for one after another, with no test on what came back between
+// them, let those waits overlap. The buffer is reused from block to block, so
+// the call allocates nothing for it.
+class DisplayReadAhead
+{
+public:
+    enum { Size = 32 };
+
+    void read(const VeskBuddy *all, int start, int end)
+    {
+        for (int i = start; i < end; ++i)
+            names[i - start] = all[i].getDisplay();
+    }
+    QString take(int at) { return std::move(names[at]); }
+
+private:
+    QString names[Size];
+};
+
 } // namespace
 
 // A walk of the stack held for a whole call, as filter() holds one for one
@@ -74,12 +95,26 @@ QVector<int> VeskRosterPass::passAll(const VeskRosterFilter *current,
     const Walk walk(stack);
     const int count = int(entries.size());
     const VeskBuddy *all = entries.constData();
-    for (int i = 0; i < count; ++i) {
-        const VeskFilterPlan *plan = walk.plan();
-        VeskSharedEntryReader entry(all[i], shared, plan && plan->readsPresence(),
-            searching || (plan && plan->readsStatusText()));
-        if (decide(entry, all[i], current, plan, scope, searching ? &needle : nullptr))
-            passing.append(i);
+    DisplayReadAhead ahead;
+    for (int start = 0; start < count; start += DisplayReadAhead::Size) {
+        const int end = qMin(count, start + DisplayReadAhead::Size);
+        // The search of every entry starts with the display name, and so does
+        // a plan whose first test is the display filter. Nothing the block
+        // runs can replace such a plan (see readsDisplayFirst()).
+        const VeskFilterPlan *first = walk.plan();
+        const bool readAhead = (searching && scope == VeskRosterQuickSearch::EveryEntry)
+            || (first ? first->readsDisplayFirst() : searching && !current);
+        if (readAhead)
+            ahead.read(all, start, end);
+        for (int i = start; i < end; ++i) {
+            const VeskFilterPlan *plan = walk.plan();
+            VeskSharedEntryReader entry(all[i], shared, plan && plan->readsPresence(),
+                searching || (plan && plan->readsStatusText()));
+            if (readAhead)
+                entry.takeDisplay(ahead.take(i - start));
+            if (decide(entry, all[i], current, plan, scope, searching ? &needle : nullptr))
+                passing.append(i);
+        }
     }
     return passing;
 }
@@ -107,10 +142,16 @@ QVector<int> VeskRosterPass::matchAll(
     VeskSharedPieces shared;
     const int count = int(entries.size());
     const VeskBuddy *all = entries.constData();
-    for (int i = 0; i < count; ++i) {
-        VeskSharedEntryReader entry(all[i], shared, false, true);
-        if (VeskSearchFold::matches(entry, needle))
-            matching.append(i);
+    DisplayReadAhead ahead;
+    for (int start = 0; start < count; start += DisplayReadAhead::Size) {
+        const int end = qMin(count, start + DisplayReadAhead::Size);
+        ahead.read(all, start, end);
+        for (int i = start; i < end; ++i) {
+            VeskSharedEntryReader entry(all[i], shared, false, true);
+            entry.takeDisplay(ahead.take(i - start));
+            if (VeskSearchFold::matches(entry, needle))
+                matching.append(i);
+        }
     }
     return matching;
 }

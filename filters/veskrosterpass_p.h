@@ -116,6 +116,7 @@ public:
 
     int type() { return own.type(); }
     const QString &display() { return own.display(); }
+    void takeDisplay(QString &&name) { own.takeDisplay(std::move(name)); }
     const QString &description() { return own.description(); }
     const QString &presenceId() { return own.presenceId(); }
     const QString &group() { return own.group(); }

@@ -121,6 +121,9 @@ public:
         }
         return text(Display);
     }
+    // The display name, read from the host by the caller just before: the
+    // later display() answers it without asking again. Only before any read.
+    void takeDisplay(QString &&name) { setText(Display, std::move(name)); }
     // Of a contact or a temporary contact.
     const QString &presenceId()
     {

@@ -10,6 +10,8 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace {
 
 // A filter of a class the library does not know: passes by the parity of the
@@ -44,7 +46,8 @@ VeskRosterFilter::RosterFilterType randomType(QRandomGenerator &random)
     return random.bounded(2) ? VeskRosterFilter::RosterFilterAnd : VeskRosterFilter::RosterFilterOr;
 }
 
-void fillRandomly(VeskRosterFiltersStack *stack, QRandomGenerator &random, int depth)
+void fillRandomly(
+    VeskRosterFiltersStack *stack, QRandomGenerator &random, int depth, bool hostFilters = true)
 {
     VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
     const QStringList kinds = manager->getAvailableFilters();
@@ -53,9 +56,9 @@ void fillRandomly(VeskRosterFiltersStack *stack, QRandomGenerator &random, int d
         const int pick = random.bounded(8);
         if (depth < 2 && pick == 0) {
             VeskRosterFiltersStack *nested = VeskFilterTree::nested(randomType(random), {});
-            fillRandomly(nested, random, depth + 1);
+            fillRandomly(nested, random, depth + 1, hostFilters);
             stack->appendFilter(nested);
-        } else if (pick == 1) {
+        } else if (pick == 1 && hostFilters) {
             stack->appendFilter(new HostFilter);
         } else {
             VeskRosterFilter *leaf = manager->createFilter(
@@ -142,6 +145,8 @@ private Q_SLOTS:
     void narrows();
     void wholeRosterCallEqualsFilter_data();
     void wholeRosterCallEqualsFilter();
+    void wholeRosterCallDisplayFirstEqualsFilter_data();
+    void wholeRosterCallDisplayFirstEqualsFilter();
     void wholeRosterCallSharesGroupsCorrectly();
 };
 
@@ -379,6 +384,52 @@ void tst_VeskRosterQuickSearch::wholeRosterCallEqualsFilter()
     manager->setCurrentFilter(QStringLiteral("default"));
     const VeskRosterQuickSearch search(QStringLiteral("e"));
     QCOMPARE(manager->filterEntries(entries, search), oneByOne(entries, &search));
+}
+
+void tst_VeskRosterQuickSearch::wholeRosterCallDisplayFirstEqualsFilter_data()
+{
+    wholeRosterCallEqualsFilter_data();
+}
+
+// Trees whose first test is a display filter and that hold only the library's
+// own filters: the call reads the names of the next entries ahead of their
+// tests. Rosters of every length around the size of those reads, so that
+// the last block is short by any amount.
+void tst_VeskRosterQuickSearch::wholeRosterCallDisplayFirstEqualsFilter()
+{
+    QFETCH(quint32, seed);
+    VeskFilterTestEnv env;
+    QString error;
+    QVERIFY(VeskRosterFile::load(VeskRosterFile::generate(60 + int(seed) * 3, seed), &error));
+    QRandomGenerator random(seed);
+    VeskRosterFiltersManager *manager = VeskRosterFiltersManager::getInstance();
+    VeskRosterFiltersStack *stack
+        = manager->addStackFilter(QStringLiteral("p"), randomType(random));
+    VeskRosterFilter *display
+        = manager->createFilter(QStringLiteral("display"), VeskRosterFilter::RosterFilterDefault);
+    QVERIFY(display);
+    configureRandomly(display, random);
+    stack->appendFilter(display);
+    fillRandomly(stack, random, 0, false);
+    manager->setCurrentFilter(QStringLiteral("p"));
+    QVector<VeskBuddy> entries = allEntries();
+    std::shuffle(entries.begin(), entries.end(), random);
+
+    const QVector<int> expected = oneByOne(entries, nullptr);
+    const VeskRosterQuickSearch search(QStringLiteral("e"), VeskRosterQuickSearch::CurrentFilter);
+    const QVector<int> searched = oneByOne(entries, &search);
+    // The answers for the first `size` entries are those below `size`.
+    const auto below = [](const QVector<int> &indices, int size) {
+        return indices.mid(
+            0, int(std::lower_bound(indices.cbegin(), indices.cend(), size) - indices.cbegin()));
+    };
+    for (int size = 0; size <= 70 && size <= entries.size(); ++size) {
+        const QVector<VeskBuddy> part = entries.mid(0, size);
+        QCOMPARE(manager->filterEntries(part), below(expected, size));
+        QCOMPARE(manager->filterEntries(part, search), below(searched, size));
+    }
+    QCOMPARE(manager->filterEntries(entries), expected);
+    QCOMPARE(manager->filterEntries(entries, search), searched);
 }
 
 // Two groups whose names are equal texts held apart, and one group's name
