@@ -125,6 +125,29 @@ bool HandWritten::fastestFilter(const VeskBuddy &buddy, const FilterParameters &
     return groupNameOf(buddy, type) != parameters.group;
 }
 
+int HandWritten::fastestFilterReach(const VeskBuddy &buddy, const FilterParameters &parameters)
+{
+    if (!buddy.getDisplay().contains(parameters.text))
+        return 1;
+    const int type = buddy.getType();
+    if (!isContactOrTemporary(type))
+        return 1;
+    const QString presence = presenceOf(buddy, type).getId();
+    return presence != parameters.presence1 && presence != parameters.presence2 ? 2 : 3;
+}
+
+int HandWritten::fastestFilterReads(const VeskBuddy &buddy, int reach)
+{
+    int size = int(buddy.getDisplay().size());
+    if (reach < 2)
+        return size;
+    const int type = buddy.getType();
+    size += int(presenceOf(buddy, type).getId().size());
+    if (reach > 2)
+        size += int(groupNameOf(buddy, type).size());
+    return size;
+}
+
 bool HandWritten::leafByLeafFilter(const VeskBuddy &buddy, const FilterParameters &parameters)
 {
     return displayContains(buddy, parameters.text, true)

@@ -23,6 +23,13 @@ struct FilterParameters
 // The fastest predicate a person would write for that condition: each piece
 // of the entry read once, the presence once for both presence tests.
 bool fastestFilter(const VeskBuddy &buddy, const FilterParameters &parameters);
+// How far fastestFilter() goes with an entry before it answers: 1 when it
+// stops after the display name, 2 after the presence, 3 when it reads the
+// group's name too.
+int fastestFilterReach(const VeskBuddy &buddy, const FilterParameters &parameters);
+// The host calls fastestFilter() makes for an entry it takes `reach` far, and
+// nothing else (no comparison): answers the sizes of the texts read.
+int fastestFilterReads(const VeskBuddy &buddy, int reach);
 // The same checks made leaf by leaf, each leaf reading what it needs itself.
 bool leafByLeafFilter(const VeskBuddy &buddy, const FilterParameters &parameters);
 
