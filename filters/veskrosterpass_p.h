@@ -29,10 +29,6 @@ public:
     static QVector<int> passAll(const VeskRosterFilter *current,
         const VeskRosterFiltersStack *stack, const VeskRosterQuickSearch *search,
         const QVector<VeskBuddy> &entries);
-    // The search alone.
-    static bool matchesOne(const VeskRosterQuickSearch &search, const VeskBuddy &buddy);
-    static QVector<int> matchAll(
-        const VeskRosterQuickSearch &search, const QVector<VeskBuddy> &entries);
 
 private:
     class Walk;

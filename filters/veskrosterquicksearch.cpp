@@ -53,14 +53,16 @@ bool VeskRosterQuickSearch::narrows(const VeskRosterQuickSearch &previous) const
     return where == previous.where && folded.contains(previous.folded, Qt::CaseSensitive);
 }
 
+// The search alone is the view's answer when there is no filter, whatever
+// the scope.
 bool VeskRosterQuickSearch::matches(const VeskBuddy &buddy) const
 {
-    return VeskRosterPass::matchesOne(*this, buddy);
+    return VeskRosterPass::passesOne(nullptr, nullptr, this, buddy);
 }
 
 QVector<int> VeskRosterQuickSearch::matching(const QVector<VeskBuddy> &entries) const
 {
-    return VeskRosterPass::matchAll(*this, entries);
+    return VeskRosterPass::passAll(nullptr, nullptr, this, entries);
 }
 
 QString VeskRosterQuickSearch::fold(const QString &text)

@@ -9,17 +9,6 @@
 
 #include <vector>
 
-namespace {
-
-// Whether the folded text holds the folded needle: the text conditions'
-// scan, for texts that are slices of one buffer.
-bool holds(const char16_t *text, int size, const char16_t *needle, int length)
-{
-    return VeskTextCondition::contains(text, size, needle, length);
-}
-
-} // namespace
-
 class VeskRosterSearchIndex::Private
 {
 public:
@@ -129,8 +118,11 @@ void VeskRosterSearchIndex::Private::compactIfWasteful()
 
 bool VeskRosterSearchIndex::Private::matches(const Asking &asking, const Entry &entry) const
 {
+    // The folded texts are slices of one buffer: the text conditions' scan
+    // takes them where they are.
+    using VeskTextCondition::contains;
     const char16_t *all = reinterpret_cast<const char16_t *>(texts.constData());
-    if (holds(all + entry.display, entry.displayLength, asking.needle, asking.length))
+    if (contains(all + entry.display, entry.displayLength, asking.needle, asking.length))
         return true;
     if (!entry.member)
         return false;
@@ -140,13 +132,13 @@ bool VeskRosterSearchIndex::Private::matches(const Asking &asking, const Entry &
         signed char &has = asking.pieceHas[std::size_t(shared)];
         if (has < 0) {
             const QString &text = pieces.at(shared);
-            has = holds(reinterpret_cast<const char16_t *>(text.constData()), int(text.size()),
+            has = contains(reinterpret_cast<const char16_t *>(text.constData()), int(text.size()),
                 asking.needle, asking.length);
         }
         if (has)
             return true;
     }
-    return holds(all + entry.description, entry.descriptionLength, asking.needle, asking.length);
+    return contains(all + entry.description, entry.descriptionLength, asking.needle, asking.length);
 }
 
 VeskRosterSearchIndex::VeskRosterSearchIndex()

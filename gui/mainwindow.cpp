@@ -116,16 +116,14 @@ VeskRosterWindow::VeskRosterWindow(VeskRosterLibrary *library, QWidget *parent)
     connect(search, &VeskSearchBar::searchChanged, this, [this] {
         // The proxy lays its rows out anew for a search; groups it shows
         // again open, as they were before it.
-        expandGroups();
+        expandGroups(0, proxyModel->rowCount() - 1);
         countShown();
     });
-    // Groups that a search shows again open, as they were before it.
+    // A group that a changed member shows again opens, as it was before.
     connect(proxyModel, &QAbstractItemModel::rowsInserted, this,
         [this](const QModelIndex &parent, int first, int last) {
-            if (parent.isValid())
-                return;
-            for (int row = first; row <= last; ++row)
-                tree->expand(proxyModel->index(row, 0));
+            if (!parent.isValid())
+                expandGroups(first, last);
         });
 
     auto *bar = addToolBar(tr("Roster"));
@@ -219,17 +217,18 @@ QString VeskRosterWindow::statusText() const
 void VeskRosterWindow::refresh()
 {
     proxyModel->refresh();
-    expandGroups();
+    expandGroups(0, proxyModel->rowCount() - 1);
     fillChoosers();
     countShown();
 }
 
-// Right after the proxy's layout change the tree has yet to lay itself out,
-// so opening a group only notes it. Not expandAll(): that notes every row,
+// The groups among the top rows `first` to `last`. Right after the proxy's
+// layout change the tree has yet to lay itself out, so opening a group only
+// notes it. Not expandAll(): that notes every row,
 // members too, and the proxy would carry all of them through each keystroke.
-void VeskRosterWindow::expandGroups()
+void VeskRosterWindow::expandGroups(int first, int last)
 {
-    for (int row = 0; row < proxyModel->rowCount(); ++row) {
+    for (int row = first; row <= last; ++row) {
         const QModelIndex group = proxyModel->index(row, 0);
         if (proxyModel->hasChildren(group))
             tree->expand(group);

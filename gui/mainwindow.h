@@ -53,7 +53,7 @@ private:
     void chooseSorter(int index);
     void scheduleCount();
     void countShown();
-    void expandGroups();
+    void expandGroups(int first, int last);
     void showError(const QString &error);
 
     VeskRosterLibrary *rosterLibrary;

@@ -107,7 +107,7 @@ void VeskRosterProxyModel::Private::replace(Level &level, int row)
     level.filterPasses[row] = filters->filter(entry);
     level.index.update(row, entry);
     level.matches[row] = search.isEmpty() ? 1
-        : level.indexed                   ? level.index.matches(search, row)
+        : level.indexed()                 ? level.index.matches(search, row)
                                           : search.matches(entry);
 
     // The order holds what the view may show; the rows shown change only
@@ -137,9 +137,9 @@ void VeskRosterProxyModel::Private::replace(Level &level, int row)
     };
     const QModelIndex parent = containerIndex(&level);
     if (!shows && level.shown.size() == 1 && level.parent) {
-        hideContainer(level, update);
+        changeContainer(level, false, update);
     } else if (!wasShown && level.shown.isEmpty() && level.parent) {
-        showContainer(level, update);
+        changeContainer(level, true, update);
     } else if (!level.visible || newRow == oldRow) {
         update();
     } else if (!shows) {
@@ -172,9 +172,11 @@ void VeskRosterProxyModel::Private::reshow(Level &level, int row, int oldRow, in
         level.proxyRow[level.shown.at(at)] = at;
 }
 
-// `level` shows no row once `update` ran: its container goes, or the
-// container's container when it was the last one shown there too.
-void VeskRosterProxyModel::Private::hideContainer(Level &level, const std::function<void()> &update)
+// `level` shows its first row (`appears`) or no row any more once `update`
+// ran: its container comes or goes, and so does the container's container
+// when it showed nothing else either.
+void VeskRosterProxyModel::Private::changeContainer(
+    Level &level, bool appears, const std::function<void()> &update)
 {
     Level &above = *level.parent;
     auto all = [&] {
@@ -182,36 +184,20 @@ void VeskRosterProxyModel::Private::hideContainer(Level &level, const std::funct
         place(above);
         markVisible();
     };
-    if (above.shown.size() == 1 && above.parent) {
-        hideContainer(above, all);
-        return;
-    }
-    const int row = above.proxyRow.at(level.rowInParent);
-    if (!above.visible) {
-        all();
-        return;
-    }
-    q->beginRemoveRows(containerIndex(&above), row, row);
-    all();
-    q->endRemoveRows();
-}
-
-// `level` shows its first row once `update` ran: its container comes, and
-// the container's container when it showed nothing either.
-void VeskRosterProxyModel::Private::showContainer(Level &level, const std::function<void()> &update)
-{
-    Level &above = *level.parent;
-    auto all = [&] {
-        update();
-        place(above);
-        markVisible();
-    };
-    if (above.shown.isEmpty() && above.parent) {
-        showContainer(above, all);
+    if (above.parent && above.shown.size() == (appears ? 0 : 1)) {
+        changeContainer(above, appears, all);
         return;
     }
     if (!above.visible) {
         all();
+        return;
+    }
+    const QModelIndex parent = containerIndex(&above);
+    if (!appears) {
+        const int row = above.proxyRow.at(level.rowInParent);
+        q->beginRemoveRows(parent, row, row);
+        all();
+        q->endRemoveRows();
         return;
     }
     // Where the container goes among the rows shown there now.
@@ -223,7 +209,7 @@ void VeskRosterProxyModel::Private::showContainer(Level &level, const std::funct
         if (above.proxyRow.at(other) >= 0)
             ++row;
     }
-    q->beginInsertRows(containerIndex(&above), row, row);
+    q->beginInsertRows(parent, row, row);
     all();
     q->endInsertRows();
 }

@@ -52,10 +52,8 @@ void VeskRosterProxyModel::Private::learnAll(bool keepIndexes)
     for (std::size_t i = 0; i < levels.size(); ++i) {
         Level &level = *levels[i];
         // A slice read so far is kept too; the rest is read on demand.
-        if (i < kept.size() && kept[i].size() <= level.entries.size()) {
+        if (i < kept.size() && kept[i].size() <= level.entries.size())
             level.index = std::move(kept[i]);
-            level.indexed = level.index.size() == level.entries.size();
-        }
         level.matches.fill(1, level.entries.size());
         if (!search.isEmpty())
             searchLevel(level, search, false, false);
@@ -126,7 +124,7 @@ Level *VeskRosterProxyModel::Private::learn(
     // the sorting method: what refresh() keeps of them goes by that order.
     std::sort(containerRows.begin(), containerRows.end());
     for (const int row : qAsConst(containerRows)) {
-        const QModelIndex container = source->index(row, 0, sourceParent);
+        const QModelIndex &container = level.sourceIndexes.at(row);
         if (source->hasChildren(container))
             level.children[row] = learn(&level, container, row);
     }
@@ -178,7 +176,6 @@ bool VeskRosterProxyModel::Private::ensureIndexed(
             return false;
         level.index.append(level.entries.at(row));
     }
-    level.indexed = true;
     return true;
 }
 

@@ -51,10 +51,11 @@ struct ProxyLevel
     QVector<int> shown; // proxy row -> source row
     QVector<int> proxyRow; // source row -> proxy row, -1 when hidden
     QVector<ProxyLevel *> children; // by source row: a container's own level
-    VeskRosterSearchIndex index;
-    bool indexed = false;
+    VeskRosterSearchIndex index; // may hold the first rows only, read so far
     bool visible = false; // its container and all above it are shown
     int columns = 0; // the source's, below its parent
+
+    bool indexed() const { return index.size() == entries.size(); }
 };
 
 } // namespace VeskProxyDetail
@@ -108,8 +109,7 @@ public:
         const QModelIndex &topLeft, const QModelIndex &bottomRight, const QVector<int> &roles);
     void replace(Level &level, int row);
     static void reshow(Level &level, int row, int oldRow, int newRow);
-    void hideContainer(Level &level, const std::function<void()> &update);
-    void showContainer(Level &level, const std::function<void()> &update);
+    void changeContainer(Level &level, bool appears, const std::function<void()> &update);
 };
 
 using Level = VeskProxyDetail::ProxyLevel;

@@ -70,9 +70,11 @@ inline bool contains(const char16_t *subjectUnits, qsizetype subjectSize,
     for (; at + 7 <= room; at += 8) {
         const __m128i starts = _mm_loadu_si128(reinterpret_cast<const __m128i *>(text + at));
         const __m128i stops = _mm_loadu_si128(reinterpret_cast<const __m128i *>(ends + at));
-        unsigned hits = unsigned(_mm_movemask_epi8(
-            _mm_and_si128(_mm_cmpeq_epi16(starts, firsts), _mm_cmpeq_epi16(stops, lasts))));
-        for (; hits; hits &= hits - 1, hits &= hits - 1) {
+        const __m128i both
+            = _mm_and_si128(_mm_cmpeq_epi16(starts, firsts), _mm_cmpeq_epi16(stops, lasts));
+        // Two equal mask bits a code unit: the lower one stands for its place.
+        unsigned hits = unsigned(_mm_movemask_epi8(both)) & 0x5555u;
+        for (; hits; hits &= hits - 1) {
             if (middleMatches(at + qCountTrailingZeroBits(hits) / 2))
                 return true;
         }

@@ -3,6 +3,7 @@
 
 #include "veskfiltertestenv.h"
 #include "veskfiltertree.h"
+#include "veskseedrows.h"
 
 #include <rosterfile.h>
 #include <veskrosterquicksearch.h>
@@ -340,9 +341,7 @@ void tst_VeskRosterQuickSearch::narrows()
 
 void tst_VeskRosterQuickSearch::wholeRosterCallEqualsFilter_data()
 {
-    QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 30; ++seed)
-        QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << seed;
+    addSeedRows(30);
 }
 
 // Generated rosters (with entries of unknown kinds added), random trees that

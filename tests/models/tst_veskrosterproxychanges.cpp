@@ -7,6 +7,7 @@
 
 #include "veskfiltertestenv.h"
 #include "veskrostershown.h"
+#include "veskseedrows.h"
 
 #include <rosterfile.h>
 #include <rostertreemodel.h>
@@ -81,9 +82,7 @@ private Q_SLOTS:
 
 void tst_VeskRosterProxyChanges::randomSessions_data()
 {
-    QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 12; ++seed)
-        QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << seed;
+    addSeedRows(12);
 }
 
 void tst_VeskRosterProxyChanges::randomSessions()

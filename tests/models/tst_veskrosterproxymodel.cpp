@@ -1,6 +1,7 @@
 #include "veskfiltertestenv.h"
 #include "veskfiltertree.h"
 #include "veskrostershown.h"
+#include "veskseedrows.h"
 
 #include <rosterfile.h>
 #include <veskrosterproxymodel.h>
@@ -143,9 +144,7 @@ private Q_SLOTS:
 
 void tst_VeskRosterProxyModel::matchesTheLibrary_data()
 {
-    QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 40; ++seed)
-        QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << seed;
+    addSeedRows(40);
 }
 
 // Generated rosters, random filter trees and methods: the proxy shows what
